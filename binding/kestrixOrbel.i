@@ -1,0 +1,18 @@
+// The managed binding: every exported entry point is generated from this interface.
+%module(directors="0") kestrixOrbel
+
+%include <std_string.i>
+%include <std_vector.i>
+%include "kestrix_std_map.i"
+%include <std_shared_ptr.i>
+%include <carrays.i>
+
+%include "Frame.i"
+
+// One file per area; each declares its classes and the families they need.
+%include "Containers.i"
+%include "Core.i"
+%include "Streams.i"
+
+// Catalogue names where SWIG's own differ; must come after the wrapped classes.
+%include "NameShims.i"

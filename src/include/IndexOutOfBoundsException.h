@@ -1,0 +1,11 @@
+#pragma once
+
+#include "IException.h"
+
+namespace kestrix {
+
+class IndexOutOfBoundsException : public IException {
+    KX_EXCEPTION_MEMBER(IndexOutOfBoundsException)
+};
+
+} // namespace kestrix

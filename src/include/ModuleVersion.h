@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+namespace kestrix {
+
+/// Version text of the library.
+std::string getModuleVersion();
+
+} // namespace kestrix

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "IException.h"
+
+namespace kestrix {
+
+class SystemException : public IException {
+    KX_EXCEPTION_MEMBER(SystemException)
+};
+
+} // namespace kestrix

@@ -1,0 +1,10 @@
+#include "ModuleVersion.h"
+
+namespace kestrix {
+
+std::string getModuleVersion()
+{
+    return "1.3.2";
+}
+
+} // namespace kestrix
