@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# Compares the dynamic symbols of libOrbelCS.so with the export catalogue: no name beyond the
+# catalogue (but the allowance below), and every name of each finished class present.
+set -euo pipefail
+lib=$1
+catalogue=$2
+
+# Classes whose exports are complete; grows with each finished area.
+finished=(
+  CUtil StrVector VectorBYTE VectorDWORD StrStrMap StrStrMapIterator ucharArray
+  IStream CFileStream CStringStream
+)
+# Free functions and registration exports, named whole.
+finished_names=(
+  CSharp_getModuleVersion CSharp_putStrStrMap
+  SWIGRegisterExceptionCallbacks_kestrixOrbel SWIGRegisterExceptionArgumentCallbacks_kestrixOrbel
+  SWIGRegisterStringCallback_kestrixOrbel
+)
+# Names SWIG's own C# proxies call; the catalogue's names for them are shims beside them.
+allowed=(
+  CSharp_CFileStream_SWIGSmartPtrUpcast
+  CSharp_CStringStream_SWIGSmartPtrUpcast
+)
+
+have=$(nm -D --defined-only "$lib" | awk '{print $3}' | sort -u)
+want=$(sort -u "$catalogue")
+status=0
+
+stray=$(comm -23 <(echo "$have") <(echo "$want") | grep -vxF -f <(printf '%s\n' "${allowed[@]}") || true)
+if [ -n "$stray" ]; then
+  echo "exported but not in the catalogue:"
+  echo "$stray" | sed 's/^/  /'
+  status=1
+fi
+
+# The catalogue's names of one class: methods, fields, constructors, destructor, upcast.
+names_of() {
+  local c=$1
+  echo "$want" | grep -E "^CSharp_(${c}_|new_${c}$|new_${c}__SWIG_|delete_${c}$|${c}Upcast$)" || true
+}
+
+missing=$( { for c in "${finished[@]}"; do names_of "$c"; done; printf '%s\n' "${finished_names[@]}"; } \
+  | sort -u | comm -23 - <(echo "$have") )
+if [ -n "$missing" ]; then
+  echo "missing names of finished classes:"
+  echo "$missing" | sed 's/^/  /'
+  status=1
+fi
+
+present=$(comm -12 <(echo "$have") <(echo "$want") | wc -l)
+echo "exports present: $present of $(echo "$want" | wc -l)"
+exit $status
