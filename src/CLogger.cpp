@@ -6,6 +6,9 @@
 #include "CUtil.h"
 #include "IOException.h"
 #include "IllegalArgumentException.h"
+#include "OrbelCoverageFlags.h"
+#include "OrbelDebugFlags.h"
+#include "OrbelProfilerFlags.h"
 #include "Platform.h"
 
 namespace kestrix {
@@ -342,23 +345,25 @@ std::string CLogger::lang2str(ELanguage language)
 
 std::string CLogger::obDebugAccessFlags2str(int flags)
 {
-    if (flags == 0) {
+    using F = OrbelDebugFlags;
+    if (flags == F::fMonitor) {
         return "OrbelDebug.fMonitor";
     }
     std::vector<const char*> names;
-    if ((flags & 0x01) != 0) {
+    if ((flags & F::fRealTime) != 0) {
         names.push_back("OrbelDebug.fRealTime");
     }
-    if ((flags & 0x04) != 0) {
+    if ((flags & F::fSFR) != 0) {
         names.push_back("OrbelDebug.fSFR");
     }
-    switch (flags & 0x30) {
-    case 0x10: names.push_back("OrbelDebug.fCacheDefault"); break;
-    case 0x20: names.push_back("OrbelDebug.fCacheStop"); break;
-    case 0x30: names.push_back("OrbelDebug.fCacheCode"); break;
+    // The cache bits form one field of three values.
+    switch (flags & F::fCacheMask) {
+    case F::fCacheDefault: names.push_back("OrbelDebug.fCacheDefault"); break;
+    case F::fCacheStop: names.push_back("OrbelDebug.fCacheStop"); break;
+    case F::fCacheCode: names.push_back("OrbelDebug.fCacheCode"); break;
     default: break;
     }
-    if ((flags & 0x40) != 0) {
+    if ((flags & F::fNoRefresh) != 0) {
         names.push_back("OrbelDebug.fNoRefresh");
     }
     return joinFlags(names);
@@ -367,11 +372,11 @@ std::string CLogger::obDebugAccessFlags2str(int flags)
 std::string CLogger::obDebugSymbolFlags2str(int flags)
 {
     switch (flags) {
-    case 0x01: return "OrbelDebug.sVariables";
-    case 0x02: return "OrbelDebug.sLabels";
-    case 0x04: return "OrbelDebug.sFunctions";
-    case 0x08: return "OrbelDebug.sLines";
-    case 0x10: return "OrbelDebug.sConstants";
+    case OrbelDebugFlags::sVariables: return "OrbelDebug.sVariables";
+    case OrbelDebugFlags::sLabels: return "OrbelDebug.sLabels";
+    case OrbelDebugFlags::sFunctions: return "OrbelDebug.sFunctions";
+    case OrbelDebugFlags::sLines: return "OrbelDebug.sLines";
+    case OrbelDebugFlags::sConstants: return "OrbelDebug.sConstants";
     default: return "OrbelDebug.ESymbolFlags = " + CUtil::i2a(flags);
     }
 }
@@ -379,10 +384,10 @@ std::string CLogger::obDebugSymbolFlags2str(int flags)
 std::string CLogger::obDebugAddressFlags2str(int flags)
 {
     switch (flags) {
-    case 0x0000: return "OrbelDebug.gafExpression";
-    case 0x1000: return "OrbelDebug.gafVariables";
-    case 0x2000: return "OrbelDebug.gafLabels";
-    case 0x4000: return "OrbelDebug.gafFunctions";
+    case OrbelDebugFlags::gafExpression: return "OrbelDebug.gafExpression";
+    case OrbelDebugFlags::gafVariables: return "OrbelDebug.gafVariables";
+    case OrbelDebugFlags::gafLabels: return "OrbelDebug.gafLabels";
+    case OrbelDebugFlags::gafFunctions: return "OrbelDebug.gafFunctions";
     default: return "OrbelDebug.EGetAddressFlags = " + CUtil::i2a(flags);
     }
 }
@@ -390,8 +395,8 @@ std::string CLogger::obDebugAddressFlags2str(int flags)
 std::string CLogger::obDebugEvaluateFlags2str(int flags)
 {
     switch (flags) {
-    case 0x00000000: return "OrbelDebug.efDefaultMemAreaDisplay";
-    case 0x01000100: return "OrbelDebug.efNoMemAreaDisplay";
+    case OrbelDebugFlags::efDefaultMemAreaDisplay: return "OrbelDebug.efDefaultMemAreaDisplay";
+    case OrbelDebugFlags::efNoMemAreaDisplay: return "OrbelDebug.efNoMemAreaDisplay";
     default: return "OrbelDebug.EEvaluate = " + CUtil::i2a(flags);
     }
 }
@@ -423,10 +428,10 @@ std::string CLogger::obCoverageRangeItem2str(int item)
 std::string CLogger::obCoverageRangesTypes2str(int type)
 {
     switch (type) {
-    case 0: return "OrbelCoverage.crtFolder";
-    case 1: return "OrbelCoverage.crtModule";
-    case 2: return "OrbelCoverage.crtFunction";
-    case 3: return "OrbelCoverage.crtItem";
+    case OrbelCoverageFlags::crtFolder: return "OrbelCoverage.crtFolder";
+    case OrbelCoverageFlags::crtModule: return "OrbelCoverage.crtModule";
+    case OrbelCoverageFlags::crtFunction: return "OrbelCoverage.crtFunction";
+    case OrbelCoverageFlags::crtItem: return "OrbelCoverage.crtItem";
     default: return CUtil::i2a(type);
     }
 }
@@ -434,27 +439,28 @@ std::string CLogger::obCoverageRangesTypes2str(int type)
 std::string CLogger::obCoverageStatisticsFlags2str(int flags)
 {
     switch (flags) {
-    case 1: return "OrbelCoverage.csftBytes";
-    case 2: return "OrbelCoverage.csftBytesExec";
-    case 3: return "OrbelCoverage.csftBranches";
-    case 4: return "OrbelCoverage.csftBranchesExec";
-    case 5: return "OrbelCoverage.csftBranchesTaken";
-    case 6: return "OrbelCoverage.csftBranchesNotTaken";
-    case 7: return "OrbelCoverage.csftBranchesBoth";
+    case OrbelCoverageFlags::csftBytes: return "OrbelCoverage.csftBytes";
+    case OrbelCoverageFlags::csftBytesExec: return "OrbelCoverage.csftBytesExec";
+    case OrbelCoverageFlags::csftBranches: return "OrbelCoverage.csftBranches";
+    case OrbelCoverageFlags::csftBranchesExec: return "OrbelCoverage.csftBranchesExec";
+    case OrbelCoverageFlags::csftBranchesTaken: return "OrbelCoverage.csftBranchesTaken";
+    case OrbelCoverageFlags::csftBranchesNotTaken: return "OrbelCoverage.csftBranchesNotTaken";
+    case OrbelCoverageFlags::csftBranchesBoth: return "OrbelCoverage.csftBranchesBoth";
     default: return CUtil::i2a(flags);
     }
 }
 
 std::string CLogger::obProfilerConfigFlags2str(int flags)
 {
-    if (flags == 0) {
+    using F = OrbelProfilerFlags;
+    if (flags == F::cfTimeStampCycles) {
         return "OrbelProfiler.cfTimeStampCycles";
     }
-    if (flags == 1) {
+    if (flags == F::cfTimeStampTime) {
         return "OrbelProfiler.cfTimeStampTime";
     }
-    if (flags >= 0x10 && flags <= 0x19) {
-        return "OrbelProfiler.cfTimeStampM" + CUtil::i2a(flags - 0x10);
+    if (flags >= F::cfTimeStampM0 && flags <= F::cfTimeStampM9) {
+        return "OrbelProfiler.cfTimeStampM" + CUtil::i2a(flags - F::cfTimeStampM0);
     }
     return CUtil::i2a(flags);
 }
@@ -462,8 +468,8 @@ std::string CLogger::obProfilerConfigFlags2str(int flags)
 std::string CLogger::obProfilerStatusFlags2str(int flags)
 {
     switch (flags) {
-    case 0: return "OrbelProfiler.gsfNumRecorded";
-    case 1: return "OrbelProfiler.gsfNumAnalyzed";
+    case OrbelProfilerFlags::gsfNumRecorded: return "OrbelProfiler.gsfNumRecorded";
+    case OrbelProfilerFlags::gsfNumAnalyzed: return "OrbelProfiler.gsfNumAnalyzed";
     default: return CUtil::i2a(flags);
     }
 }
