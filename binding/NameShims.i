@@ -18,5 +18,17 @@ SWIGEXPORT void* SWIGSTDCALL CSharp_##DERIVED##_SWIGSharedPtrUpcast(void* derive
 %}
 %enddef
 
+// `<Derived>Upcast` of a plain derived record or class; SWIG's own `_SWIGUpcast` stays for
+// its C# proxies.
+%define KX_UPCAST(DERIVED, BASE)
+%wrapper %{
+SWIGEXPORT void* SWIGSTDCALL CSharp_##DERIVED##Upcast(void* derived)
+{
+    return static_cast<kestrix::BASE*>(static_cast<kestrix::DERIVED*>(derived));
+}
+%}
+%enddef
+
 KX_SHARED_UPCAST(CFileStream, IStream)
 KX_SHARED_UPCAST(CStringStream, IStream)
+KX_UPCAST(SType2, SType)

@@ -13,6 +13,9 @@
 %include "Containers.i"
 %include "Core.i"
 %include "Streams.i"
+%include "Values.i"
+%include "Logger.i"
+%include "Statistics.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

@@ -9,6 +9,11 @@ catalogue=$2
 finished=(
   CUtil StrVector VectorBYTE VectorDWORD StrStrMap StrStrMapIterator ucharArray
   IStream CFileStream CStringStream
+  SType SType2 SValue CAddress CCPUInfo CMMUInfo SInfo SRegisterInfo SProcessID SProcessMappingItem
+  CValueType CMemAddress CSymbolInfo CLineLocation CLogger
+  CCoverageStatistic CProfilerStatistic SProfilerHistory CProfilerHistory
+  ProfilerHistoryVector ProfilerStatisticVector
+  StrCoverageStatisticMap StrProfilerStatisticMap StrProfilerStatisticVectorMap
 )
 # Free functions and registration exports, named whole.
 finished_names=(
@@ -20,6 +25,7 @@ finished_names=(
 allowed=(
   CSharp_CFileStream_SWIGSmartPtrUpcast
   CSharp_CStringStream_SWIGSmartPtrUpcast
+  CSharp_SType2_SWIGUpcast
 )
 
 have=$(nm -D --defined-only "$lib" | awk '{print $3}' | sort -u)

@@ -1,0 +1,227 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "CLogger.h"
+#include "IOException.h"
+#include "IllegalArgumentException.h"
+
+using namespace kestrix;
+
+namespace {
+
+// A script file in the test's temporary folder, with a clock the test moves by hand.
+class CLoggerTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        m_path = ::testing::TempDir() + "kx_logger_" +
+                 ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".txt";
+        std::remove(m_path.c_str());
+    }
+    void TearDown() override { std::remove(m_path.c_str()); }
+
+    void useClock(CLogger& logger)
+    {
+        logger.setTickSource([this] { return m_ticks; });
+    }
+
+    std::string script() const
+    {
+        std::ifstream in(m_path, std::ios::binary);
+        std::ostringstream text;
+        text << in.rdbuf();
+        return text.str();
+    }
+
+    std::string m_path;
+    uint32_t m_ticks = 100000;
+};
+
+SType typeOf(int code, int bits)
+{
+    SType type;
+    type.m_byType = static_cast<BYTE>(code);
+    type.m_byBitSize = static_cast<BYTE>(bits);
+    return type;
+}
+
+} // namespace
+
+TEST_F(CLoggerTest, PythonSession)
+{
+    {
+        CLogger logger(m_path, CLogger::PYTHON);
+        useClock(logger);
+        logger.log("connectionMgr", "kestrix::ConnectionMgr::connectMRU");
+        logger.createSType("rdType", typeOf(SType::tUnsigned, 32));
+        logger.logf("dataCtrl", "kestrix::CDataController::readValue", "viDv", CLogger::obDebugAccessFlags2str(0), 0,
+                    4096u, "rdType");
+        m_ticks += 3500;
+        logger.log("connectionMgr", "kestrix::ConnectionMgr::disconnect", DWORD(0));
+        logger.log("print 'Logged script disconnected!'   # see ConnectionMgr::disconnect()");
+        logger.logc("Dtor: ~ConnectionMgr");
+
+        // Pauses up to the ignorable difference leave no wait line; a longer one does.
+        m_ticks += 1000;
+        logger.createVar("bytes", "VectorBYTE");
+        logger.setIndent(4);
+        VectorBYTE bytes;
+        for (int i = 0; i < 27; ++i) {
+            bytes.push_back(static_cast<BYTE>(i * 10));
+        }
+        logger.fillVectorBYTE("bytes", bytes);
+        logger.createCValueType("wrValue", CValueType(typeOf(SType::tSigned, 16), -5LL));
+        logger.logf("dataCtrl", "writeValue", "uibla1s", 7u, -3, true, -40000000000LL, &bytes[0], 4, "x y");
+        m_ticks += 1001;
+        logger.logf("dataCtrl", "kestrix::CDataController::evaluate", "Ed", 0x01000100,
+                    &CLogger::obDebugEvaluateFlags2str, 0.25);
+        logger.setIndent(0);
+        logger.resetStartTime();
+        m_ticks += 60000;
+        logger.log("execCtrl", "kestrix::CExecutionController::run", std::string("main"));
+        m_ticks += 2000;
+        logger.loggingOff();
+        logger.log("hidden");
+        logger.logc("hidden");
+        logger.loggingOn();
+        logger.logf("x", "m", "");
+        logger.closeLog("# end\n");
+        logger.log("after close");
+    }
+    EXPECT_EQ("connectionMgr.connectMRU();\n"
+              "rdType = kestrix.orbel.SType()\n"
+              "rdType.m_byBitSize = 32\n"
+              "rdType.m_byType = kestrix.orbel.SType.tUnsigned\n"
+              "dataCtrl.readValue(OrbelDebug.fMonitor, 0, 4096, rdType);\n"
+              "waitUntil(3.5);\n"
+              "connectionMgr.disconnect(0);\n"
+              "print 'Logged script disconnected!'   # see ConnectionMgr::disconnect()\n"
+              "# Dtor: ~ConnectionMgr\n"
+              "bytes = VectorBYTE()\n"
+              "    bytes = kestrix.orbel.VectorBYTE([0, \n"
+              "10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 110, 120, 130, 140, 150, 160, 170, 180, 190, 200, 210, 220, "
+              "230, 240, 250, \n"
+              "4, ])\n"
+              "    __sType = kestrix.orbel.SType()\n"
+              "    __sType.m_byBitSize = 16\n"
+              "    __sType.m_byType = kestrix.orbel.SType.tSigned\n"
+              "    wrValue = kestrix.orbel.CValueType(__sType, \"-5\")\n"
+              "    dataCtrl.writeValue(7, -3, 1, -40000000000, , \"x y\");\n"
+              "    waitUntil(5.501);\n"
+              "    dataCtrl.evaluate(OrbelDebug.efNoMemAreaDisplay, 0.25);\n"
+              "execCtrl.run(\"main\");\n"
+              "waitUntil(2);\n"
+              "x.m();\n"
+              "# end\n",
+              script());
+}
+
+TEST_F(CLoggerTest, JavaSessionWithHeader)
+{
+    {
+        CLogger logger(m_path, CLogger::JAVA, 0.5, "// generated");
+        useClock(logger);
+        logger.createVar("bpCtrl", "CBreakpointController");
+        logger.log("bpCtrl", "kestrix::CBreakpointController::deleteAll");
+        m_ticks += 500;
+        logger.log("bpCtrl", "kestrix::CBreakpointController::setBP", std::string("main"));
+        m_ticks += 2000;
+        logger.logf("profilerCtrl", "kestrix::CProfilerController::getStatus", "E", 1, nullptr);
+        logger.logf("dataCtrl", "kestrix::CDataController::readMemory", "a2i", 9);
+        logger.setIgnorableTimeDiff(0);
+        logger.log("a");
+        m_ticks += 1;
+        logger.log("b");
+        logger.logc("Dtor: ~CBreakpointController");
+        EXPECT_TRUE(logger.writeHeader("// tail"));
+    }
+    EXPECT_EQ("// generated\n"
+              "CBreakpointController bpCtrl = new CBreakpointController()\n"
+              "bpCtrl.deleteAll();\n"
+              "bpCtrl.setBP(\"main\");\n"
+              "OBUtil.waitUntil(2500);\n"
+              "profilerCtrl.getStatus(1);\n"
+              "dataCtrl.readMemory(\nCLogger ERROR: Unsupported array element size: 2\n, 9);\n"
+              "a\n"
+              "OBUtil.waitUntil(2501);\n"
+              "b\n"
+              "// Dtor: ~CBreakpointController\n"
+              "// tail\n",
+              script());
+}
+
+TEST_F(CLoggerTest, FormatLettersNeedFittingArguments)
+{
+    CLogger logger(m_path, CLogger::PYTHON);
+    EXPECT_THROW(logger.logf("x", "m", "i"), IllegalArgumentException);
+    EXPECT_THROW(logger.logf("x", "m", "s", 5), IllegalArgumentException);
+    EXPECT_THROW(logger.logf("x", "m", "i", 1, 2), IllegalArgumentException);
+    EXPECT_THROW(logger.logf("x", "m", "a1", 1), IllegalArgumentException);
+    try {
+        logger.logf("dataCtrl", "m", "iv", 1, 2);
+        FAIL() << "an int for a text letter";
+    } catch (const IllegalArgumentException& e) {
+        EXPECT_EQ("Log format letter without a fitting argument: v", e.getDesc());
+    }
+    // Unknown letters take nothing but still get a separator.
+    logger.logf("x", "m", "?i", 4);
+    logger.logf("x", "m", "vs", "a", std::string("b"));
+    EXPECT_THROW(logger.setIndent(-1), IllegalArgumentException);
+    logger.closeLog("");
+    EXPECT_EQ("x.m(, 4);\nx.m(a, \"b\");\n", script());
+}
+
+TEST_F(CLoggerTest, OpeningFailures)
+{
+    try {
+        CLogger logger("/nonexistent-dir/log.py", CLogger::PYTHON);
+        FAIL() << "opened a file in a missing folder";
+    } catch (const IOException& e) {
+        EXPECT_EQ("Can not open log file: /nonexistent-dir/log.py", e.getDesc());
+    }
+    try {
+        CLogger logger(m_path, static_cast<CLogger::ELanguage>(5));
+        FAIL() << "accepted language 5";
+    } catch (const IOException& e) {
+        EXPECT_EQ("Invalid output language selected for log file: 5", e.getDesc());
+    }
+    EXPECT_TRUE(std::ifstream(m_path).good()) << "the file is opened before the language is checked";
+}
+
+TEST(CLoggerPrinters, TextsOfFlagsAndEnumerations)
+{
+    EXPECT_EQ("OrbelDebug.fMonitor", CLogger::obDebugAccessFlags2str(0));
+    EXPECT_EQ("OrbelDebug.fRealTime | OrbelDebug.fSFR | OrbelDebug.fCacheDefault", CLogger::obDebugAccessFlags2str(0x15));
+    EXPECT_EQ("OrbelDebug.fCacheCode | OrbelDebug.fNoRefresh", CLogger::obDebugAccessFlags2str(0x70));
+    EXPECT_EQ("OrbelDebug.fCacheStop", CLogger::obDebugAccessFlags2str(0x22));
+    EXPECT_EQ("", CLogger::obDebugAccessFlags2str(0x02));
+    EXPECT_EQ("OrbelDebug.sConstants", CLogger::obDebugSymbolFlags2str(0x10));
+    EXPECT_EQ("OrbelDebug.ESymbolFlags = 3", CLogger::obDebugSymbolFlags2str(3));
+    EXPECT_EQ("OrbelDebug.gafExpression", CLogger::obDebugAddressFlags2str(0));
+    EXPECT_EQ("OrbelDebug.gafFunctions", CLogger::obDebugAddressFlags2str(0x4000));
+    EXPECT_EQ("OrbelDebug.EGetAddressFlags = 12288", CLogger::obDebugAddressFlags2str(0x3000));
+    EXPECT_EQ("OrbelDebug.efDefaultMemAreaDisplay", CLogger::obDebugEvaluateFlags2str(0));
+    EXPECT_EQ("OrbelDebug.EEvaluate = 16777216", CLogger::obDebugEvaluateFlags2str(0x01000000));
+    EXPECT_EQ("kestrix.orbel.SType.tCompound", CLogger::obSTypeType2str(255));
+    EXPECT_EQ("kestrix.orbel.SType.tAddress", CLogger::obSTypeType2str(4));
+    EXPECT_EQ("kestrix.orbel.SType.m_byType = 5", CLogger::obSTypeType2str(5));
+    EXPECT_EQ("CCoverageController.rsItem", CLogger::obCoverageRangeItem2str(3));
+    EXPECT_EQ("4", CLogger::obCoverageRangeItem2str(4));
+    EXPECT_EQ("OrbelCoverage.crtFolder", CLogger::obCoverageRangesTypes2str(0));
+    EXPECT_EQ("-1", CLogger::obCoverageRangesTypes2str(-1));
+    EXPECT_EQ("OrbelCoverage.csftBranchesBoth", CLogger::obCoverageStatisticsFlags2str(7));
+    EXPECT_EQ("0", CLogger::obCoverageStatisticsFlags2str(0));
+    EXPECT_EQ("OrbelProfiler.cfTimeStampTime", CLogger::obProfilerConfigFlags2str(1));
+    EXPECT_EQ("OrbelProfiler.cfTimeStampM0", CLogger::obProfilerConfigFlags2str(0x10));
+    EXPECT_EQ("OrbelProfiler.cfTimeStampM9", CLogger::obProfilerConfigFlags2str(0x19));
+    EXPECT_EQ("26", CLogger::obProfilerConfigFlags2str(0x1A));
+    EXPECT_EQ("OrbelProfiler.gsfNumAnalyzed", CLogger::obProfilerStatusFlags2str(1));
+    EXPECT_EQ("2", CLogger::obProfilerStatusFlags2str(2));
+    EXPECT_EQ("CLogger.PYTHON", CLogger::lang2str(CLogger::PYTHON));
+    EXPECT_EQ("CLogger.JAVA", CLogger::lang2str(CLogger::JAVA));
+    EXPECT_EQ("7", CLogger::lang2str(static_cast<CLogger::ELanguage>(7)));
+}
