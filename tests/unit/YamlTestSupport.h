@@ -54,6 +54,8 @@ public:
         throw std::out_of_range("no such event in the test input");
     }
 
+    const std::vector<yaml_event_t>& all() const { return m_events; }
+
 private:
     std::vector<yaml_event_t> m_events;
 };
