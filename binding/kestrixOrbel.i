@@ -16,6 +16,7 @@
 %include "Values.i"
 %include "Logger.i"
 %include "Statistics.i"
+%include "YamlOutput.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

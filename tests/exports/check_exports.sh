@@ -14,6 +14,7 @@ finished=(
   CCoverageStatistic CProfilerStatistic SProfilerHistory CProfilerHistory
   ProfilerHistoryVector ProfilerStatisticVector
   StrCoverageStatisticMap StrProfilerStatisticMap StrProfilerStatisticVectorMap
+  IEmitter EmitterFactory CIntervalValidator
 )
 # Free functions and registration exports, named whole.
 finished_names=(

@@ -2,6 +2,7 @@ public static class ManagedTestMain {
   public static int Main() {
     FoundationTests.Run();
     ValuesTests.Run();
+    YamlOutputTests.Run();
     return Check.Result("managed tests");
   }
 }
