@@ -157,23 +157,6 @@ void CXMLEmitter::write(const CYAMLMap& map)
     mapEnd();
 }
 
-void CXMLEmitter::write(const CYAMLObject& object)
-{
-    switch (object.getType()) {
-    case CYAMLObject::SCALAR:
-        write(object.asScalar());
-        break;
-    case CYAMLObject::SEQUENCE:
-        write(object.asSequence());
-        break;
-    case CYAMLObject::MAPPING:
-        write(object.asMap());
-        break;
-    default:
-        throw IllegalStateException(KX_POS, "Unknown YAML object type: " + std::to_string(object.getType()));
-    }
-}
-
 void CXMLEmitter::writeMapStart(const CYAMLMap& map)
 {
     mapStart(map.getStyle());

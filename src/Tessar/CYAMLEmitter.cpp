@@ -166,23 +166,6 @@ void CYAMLEmitter::write(const CYAMLMap& map)
     emitEnd(&yaml_mapping_end_event_initialize, "YAML emitter error: ");
 }
 
-void CYAMLEmitter::write(const CYAMLObject& object)
-{
-    switch (object.getType()) {
-    case CYAMLObject::SCALAR:
-        write(object.asScalar());
-        break;
-    case CYAMLObject::SEQUENCE:
-        write(object.asSequence());
-        break;
-    case CYAMLObject::MAPPING:
-        write(object.asMap());
-        break;
-    default:
-        throw IllegalStateException(KX_POS, "Unknown YAML object type: " + std::to_string(object.getType()));
-    }
-}
-
 void CYAMLEmitter::write(const std::string& value)
 {
     write(CYAMLScalar(value));

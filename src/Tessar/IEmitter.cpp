@@ -2,6 +2,8 @@
 
 #include "IllegalStateException.h"
 
+#include <string>
+
 namespace kestrix {
 
 void IEmitter::writeMapOfScalars(const CYAMLMap& map)
@@ -16,6 +18,23 @@ void IEmitter::writeMapOfScalars(const CYAMLMap& map)
         write(entry->second->asScalar());
     }
     writeMapEnd();
+}
+
+void IEmitter::write(const CYAMLObject& object)
+{
+    switch (object.getType()) {
+    case CYAMLObject::SCALAR:
+        write(object.asScalar());
+        break;
+    case CYAMLObject::SEQUENCE:
+        write(object.asSequence());
+        break;
+    case CYAMLObject::MAPPING:
+        write(object.asMap());
+        break;
+    default:
+        throw IllegalStateException(KX_POS, "Unknown YAML object type: " + std::to_string(object.getType()));
+    }
 }
 
 } // namespace kestrix

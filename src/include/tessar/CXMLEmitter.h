@@ -32,7 +32,6 @@ public:
     void write(const CYAMLScalar& scalar) override;
     void write(const CYAMLSequence& sequence) override;
     void write(const CYAMLMap& map) override;
-    void write(const CYAMLObject& object) override;
     void write(const std::string& value) override;
 
     void writeMapStart(const CYAMLMap& map) override;

@@ -30,7 +30,8 @@ public:
     virtual void write(const CYAMLScalar& scalar) = 0;
     virtual void write(const CYAMLSequence& sequence) = 0;
     virtual void write(const CYAMLMap& map) = 0;
-    virtual void write(const CYAMLObject& object) = 0;
+    /// Dispatches on the object's kind to the three writers above; the same for every emitter.
+    virtual void write(const CYAMLObject& object);
     virtual void write(const std::string& value) = 0;
     // A text literal is a string, not a scalar to be built.
     void write(const char* value) { write(std::string(value)); }
