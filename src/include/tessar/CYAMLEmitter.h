@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include "IEmitter.h"
+#include "IStream.h"
+
+namespace kestrix {
+
+/// IEmitter on libyaml's event emitter, with libyaml's default output settings.
+class CYAMLEmitter : public IEmitter {
+public:
+    explicit CYAMLEmitter(std::shared_ptr<IStream> stream);
+    /// Writes to `stream`, which the caller keeps alive (as `toString` does with a local one).
+    explicit CYAMLEmitter(std::ostream* stream);
+    ~CYAMLEmitter();
+    CYAMLEmitter(const CYAMLEmitter&) = delete;
+    CYAMLEmitter& operator=(const CYAMLEmitter&) = delete;
+
+    using IEmitter::write;
+    using IEmitter::writeMappingPair;
+
+    void startStream(const std::string& header) override;
+    void startStream() override;
+    void endStream() override;
+    void startDocument(bool isImplicit) override;
+    void endDocument(bool isImplicit) override;
+    std::string escapeSpecialChars(const std::string& text) override;
+
+    void write(const CYAMLScalar& scalar) override;
+    void write(const CYAMLSequence& sequence) override;
+    void write(const CYAMLMap& map) override;
+    void write(const CYAMLObject& object) override;
+    void write(const std::string& value) override;
+
+    void writeMapStart(const CYAMLMap& map) override;
+    void writeMapEnd() override;
+    void writeSequenceStart(const CYAMLSequence& sequence) override;
+    void writeSequenceEnd() override;
+    void mapStart(EFlowStyle style = STYLE_ANY) override;
+    void mapEnd() override;
+    void sequenceStart(EFlowStyle style = STYLE_ANY) override;
+    void sequenceEnd() override;
+
+    void writeMappingPair(const std::string& key, bool value) override;
+    void writeMappingPair(const std::string& key, double value) override;
+    void writeMappingPair(const std::string& key, unsigned int value) override;
+    void writeMappingPair(const std::string& key, long long value) override;
+    void writeMappingPair(const std::string& key, const std::string& value) override;
+    void writeMappingPair(const std::string& key, const CYAMLObject& value) override;
+
+    /// Ends the open document (explicitly) and the stream at once.
+    void endDocumentAndStream();
+
+private:
+    /// Emits `event` (libyaml takes it over); on failure IOException `prefix` + problem text.
+    void emit(yaml_event_t* event, const char* prefix);
+    static int outputHandler(void* data, unsigned char* buffer, size_t size);
+
+    yaml_emitter_t* m_emitter;
+    std::ostream* m_stream;
+    std::shared_ptr<IStream> m_streamOwner;
+};
+
+} // namespace kestrix
