@@ -55,13 +55,19 @@ public:
     void endDocumentAndStream();
 
 private:
-    /// Emits `event` (libyaml takes it over); on failure IOException `prefix` + problem text.
+    /// Emits `event`, which libyaml takes over; false when libyaml fails.
+    bool tryEmit(yaml_event_t* event);
+    /// Emits `event`; on failure IOException `prefix` + libyaml's problem text.
     void emit(yaml_event_t* event, const char* prefix);
+    /// Emits an end event made by `init`, with the message prefix of that end.
+    void emitEnd(int (*init)(yaml_event_t*), const char* prefix);
     static int outputHandler(void* data, unsigned char* buffer, size_t size);
 
     yaml_emitter_t* m_emitter;
     std::ostream* m_stream;
     std::shared_ptr<IStream> m_streamOwner;
+    /// Set by a failed emit: libyaml's emitter is then only good for deletion.
+    bool m_isFailed = false;
 };
 
 } // namespace kestrix

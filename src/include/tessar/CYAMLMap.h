@@ -45,7 +45,7 @@ public:
     int getImplicit() const { return m_implicit; }
     int getYamlStyle() const { return m_style; }
 
-    /// Adds an entry; IllegalArgumentException when the key is there already.
+    /// Adds an entry; IllegalArgumentException when the key is there already or the value is null.
     void add(const CYAMLScalar& key, std::shared_ptr<CYAMLObject> value);
     /// Removes all entries; anchor, tag and style stay.
     void clear();
@@ -61,8 +61,9 @@ public:
     const StrVector& getKeyTexts() const { return m_keys; }
     size_t size() const { return m_entries.size(); }
 
+    /// Appends the key texts in order of insertion.
     void getKeys(StrVector& keys) const;
-    /// Expression text of each value, in order of insertion; each value must be a scalar.
+    /// Appends the expression text of each value, in order of insertion; each must be a scalar.
     void getValues(StrVector& values) const;
     /// Expression texts of keys and values; IllegalArgumentException for a value that is not a scalar.
     void getMap(StrStrMap& map) const;

@@ -1,0 +1,291 @@
+#include "CYAMLEmitter.h"
+
+#include "IOException.h"
+#include "IllegalArgumentException.h"
+#include "IllegalStateException.h"
+
+namespace kestrix {
+
+namespace {
+
+std::ostream* streamOf(const std::shared_ptr<IStream>& stream)
+{
+    if (!stream) {
+        throw IllegalArgumentException(KX_POS, "Output stream of the emitter is null!");
+    }
+    return &stream->getStream();
+}
+
+std::string problemOf(const yaml_emitter_t* emitter)
+{
+    return emitter->problem != nullptr ? emitter->problem : "";
+}
+
+} // namespace
+
+CYAMLEmitter::CYAMLEmitter(std::shared_ptr<IStream> stream) : CYAMLEmitter(streamOf(stream))
+{
+    m_streamOwner = std::move(stream);
+}
+
+CYAMLEmitter::CYAMLEmitter(std::ostream* stream) : m_emitter(new yaml_emitter_t), m_stream(stream)
+{
+    if (stream == nullptr) {
+        delete m_emitter;
+        throw IllegalArgumentException(KX_POS, "Output stream of the emitter is null!");
+    }
+    // libyaml's output settings stay at their defaults on purpose.
+    if (!yaml_emitter_initialize(m_emitter)) {
+        delete m_emitter;
+        throw IOException(KX_POS, "Can not initialize the YAML emitter!");
+    }
+}
+
+CYAMLEmitter::~CYAMLEmitter()
+{
+    yaml_emitter_delete(m_emitter);
+    delete m_emitter;
+}
+
+int CYAMLEmitter::outputHandler(void* data, unsigned char* buffer, size_t size)
+{
+    // libyaml escapes NUL in scalars, so writing `size` bytes equals inserting the text up to a
+    // terminator. Stream failures are not reported: a broken stream does not stop the emitter.
+    static_cast<std::ostream*>(data)->write(reinterpret_cast<const char*>(buffer), static_cast<std::streamsize>(size));
+    return 1;
+}
+
+bool CYAMLEmitter::tryEmit(yaml_event_t* event)
+{
+    if (m_isFailed) {
+        yaml_event_delete(event);
+        throw IllegalStateException(KX_POS, "YAML emitter can not be used after an earlier error!");
+    }
+    // libyaml owns the event from here on, also when emitting fails.
+    m_isFailed = !yaml_emitter_emit(m_emitter, event);
+    return !m_isFailed;
+}
+
+void CYAMLEmitter::emit(yaml_event_t* event, const char* prefix)
+{
+    if (!tryEmit(event)) {
+        throw IOException(KX_POS, prefix + problemOf(m_emitter));
+    }
+}
+
+void CYAMLEmitter::emitEnd(int (*init)(yaml_event_t*), const char* prefix)
+{
+    yaml_event_t event;
+    init(&event);
+    emit(&event, prefix);
+}
+
+void CYAMLEmitter::startStream(const std::string& header)
+{
+    *m_stream << header;
+    startStream();
+}
+
+void CYAMLEmitter::startStream()
+{
+    // libyaml takes one output for the life of the emitter (it asserts on a second one).
+    if (m_emitter->write_handler == nullptr) {
+        yaml_emitter_set_output(m_emitter, &CYAMLEmitter::outputHandler, m_stream);
+    }
+    yaml_event_t event;
+    yaml_stream_start_event_initialize(&event, YAML_UTF8_ENCODING);
+    emit(&event, "Emitter start stream error: ");
+}
+
+void CYAMLEmitter::endStream()
+{
+    emitEnd(&yaml_stream_end_event_initialize, "Emitter end stream error: ");
+}
+
+void CYAMLEmitter::startDocument(bool isImplicit)
+{
+    yaml_event_t event;
+    yaml_document_start_event_initialize(&event, nullptr, nullptr, nullptr, isImplicit ? 1 : 0);
+    emit(&event, "Emitter start document error: ");
+}
+
+void CYAMLEmitter::endDocument(bool isImplicit)
+{
+    yaml_event_t event;
+    yaml_document_end_event_initialize(&event, isImplicit ? 1 : 0);
+    emit(&event, "Emitter end document error: ");
+}
+
+void CYAMLEmitter::endDocumentAndStream()
+{
+    endDocument(false);
+    endStream();
+}
+
+std::string CYAMLEmitter::escapeSpecialChars(const std::string& text)
+{
+    // libyaml quotes and escapes what needs it.
+    return text;
+}
+
+void CYAMLEmitter::write(const CYAMLScalar& scalar)
+{
+    yaml_event_t event;
+    scalar.initStartEvent(&event);
+    if (!tryEmit(&event)) {
+        throw IOException(KX_POS, "YAML emitter error!")
+            .add("error", problemOf(m_emitter))
+            .add("scalar", scalar.getValue());
+    }
+}
+
+void CYAMLEmitter::write(const CYAMLSequence& sequence)
+{
+    yaml_event_t event;
+    sequence.initStartEvent(&event);
+    emit(&event, "YAML emitter error in sequence: ");
+    for (const auto& item : sequence.getItems()) {
+        write(item);
+    }
+    emitEnd(&yaml_sequence_end_event_initialize, "YAML emitter error: ");
+}
+
+void CYAMLEmitter::write(const CYAMLMap& map)
+{
+    yaml_event_t event;
+    map.initStartEvent(&event);
+    emit(&event, "YAML m_emitter error: ");
+    for (const auto& key : map.getKeyTexts()) {
+        const auto entry = map.find(key);
+        if (entry == map.getEntries().end()) {
+            throw IllegalStateException(KX_POS, "Internal error - key without entry in map!").add("key", key);
+        }
+        write(entry->first);
+        write(static_cast<const CYAMLObject&>(*entry->second));
+    }
+    emitEnd(&yaml_mapping_end_event_initialize, "YAML emitter error: ");
+}
+
+void CYAMLEmitter::write(const CYAMLObject& object)
+{
+    switch (object.getType()) {
+    case CYAMLObject::SCALAR:
+        write(object.asScalar());
+        break;
+    case CYAMLObject::SEQUENCE:
+        write(object.asSequence());
+        break;
+    case CYAMLObject::MAPPING:
+        write(object.asMap());
+        break;
+    default:
+        throw IllegalStateException(KX_POS, "Unknown YAML object type: " + std::to_string(object.getType()));
+    }
+}
+
+void CYAMLEmitter::write(const std::string& value)
+{
+    write(CYAMLScalar(value));
+}
+
+void CYAMLEmitter::writeMapStart(const CYAMLMap& map)
+{
+    yaml_event_t event;
+    map.initStartEvent(&event);
+    emit(&event, "YAML emitter error: ");
+}
+
+void CYAMLEmitter::writeMapEnd()
+{
+    emitEnd(&yaml_mapping_end_event_initialize, "YAML emitter error: ");
+}
+
+void CYAMLEmitter::writeSequenceStart(const CYAMLSequence& sequence)
+{
+    yaml_event_t event;
+    sequence.initStartEvent(&event);
+    emit(&event, "YAML emitter error: ");
+}
+
+void CYAMLEmitter::writeSequenceEnd()
+{
+    emitEnd(&yaml_sequence_end_event_initialize, "YAML emitter error: ");
+}
+
+namespace {
+
+/// libyaml's style for the caller's style (the numbers run the other way round).
+int yamlStyleOf(IEmitter::EFlowStyle style, int flow, int block)
+{
+    switch (style) {
+    case IEmitter::STYLE_FLOW:
+        return flow;
+    case IEmitter::STYLE_BLOCK:
+        return block;
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
+void CYAMLEmitter::mapStart(EFlowStyle style)
+{
+    writeMapStart(CYAMLMap(yamlStyleOf(style, YAML_FLOW_MAPPING_STYLE, YAML_BLOCK_MAPPING_STYLE)));
+}
+
+void CYAMLEmitter::mapEnd()
+{
+    writeMapEnd();
+}
+
+void CYAMLEmitter::sequenceStart(EFlowStyle style)
+{
+    writeSequenceStart(CYAMLSequence(yamlStyleOf(style, YAML_FLOW_SEQUENCE_STYLE, YAML_BLOCK_SEQUENCE_STYLE)));
+}
+
+void CYAMLEmitter::sequenceEnd()
+{
+    writeSequenceEnd();
+}
+
+void CYAMLEmitter::writeMappingPair(const std::string& key, bool value)
+{
+    write(CYAMLScalar(key));
+    write(CYAMLScalar(value ? "true" : "false"));
+}
+
+void CYAMLEmitter::writeMappingPair(const std::string& key, double value)
+{
+    write(CYAMLScalar(key));
+    write(CYAMLScalar(value));
+}
+
+void CYAMLEmitter::writeMappingPair(const std::string& key, unsigned int value)
+{
+    write(CYAMLScalar(key));
+    write(CYAMLScalar(value));
+}
+
+void CYAMLEmitter::writeMappingPair(const std::string& key, long long value)
+{
+    write(CYAMLScalar(key));
+    write(CYAMLScalar(value));
+}
+
+void CYAMLEmitter::writeMappingPair(const std::string& key, const std::string& value)
+{
+    write(CYAMLScalar(key));
+    write(CYAMLScalar(value));
+}
+
+void CYAMLEmitter::writeMappingPair(const std::string& key, const CYAMLObject& value)
+{
+    if (value.isEmpty()) {
+        return;
+    }
+    write(CYAMLScalar(key));
+    write(value);
+}
+
+} // namespace kestrix
