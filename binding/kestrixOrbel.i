@@ -13,6 +13,7 @@
 %include "Containers.i"
 %include "Core.i"
 %include "Streams.i"
+%include "YamlOutput.i"
 %include "YamlParse.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.

@@ -9,6 +9,7 @@ catalogue=$2
 finished=(
   CUtil StrVector VectorBYTE VectorDWORD StrStrMap StrStrMapIterator ucharArray
   IStream CFileStream CStringStream
+  IEmitter EmitterFactory CIntervalValidator
   CYAMLUtil
 )
 # Free functions and registration exports, named whole.

@@ -1,0 +1,344 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "CStringStream.h"
+#include "CYAMLEmitter.h"
+#include "EmitterFactory.h"
+#include "IOException.h"
+#include "IllegalArgumentException.h"
+#include "IllegalStateException.h"
+#include "YamlTestSupport.h"
+
+using namespace kestrix;
+using kestrix_test::failureOf;
+using kestrix_test::ParsedEvents;
+
+namespace {
+
+/// Builds the value that starts at event `pos` (sequences hold scalars only, as in the model).
+std::shared_ptr<CYAMLObject> buildValue(const std::vector<yaml_event_t>& events, size_t& pos)
+{
+    const yaml_event_t& event = events[pos++];
+    if (event.type == YAML_SCALAR_EVENT) {
+        return std::make_shared<CYAMLScalar>(event);
+    }
+    if (event.type == YAML_SEQUENCE_START_EVENT) {
+        auto sequence = std::make_shared<CYAMLSequence>(event);
+        while (events[pos].type != YAML_SEQUENCE_END_EVENT) {
+            sequence->add(CYAMLScalar(events[pos++]));
+        }
+        ++pos;
+        return sequence;
+    }
+    auto map = std::make_shared<CYAMLMap>(event);
+    while (events[pos].type != YAML_MAPPING_END_EVENT) {
+        const CYAMLScalar key(events[pos++]);
+        map->add(key, buildValue(events, pos));
+    }
+    ++pos;
+    return map;
+}
+
+/// The root value of a one-document YAML text.
+std::shared_ptr<CYAMLObject> rootOf(const std::string& yaml)
+{
+    ParsedEvents parsed(yaml);
+    size_t pos = 2; // behind stream start and document start
+    return buildValue(parsed.all(), pos);
+}
+
+/// Runs `body` inside an implicit document of a stream and gives the text written.
+std::string emitted(const std::function<void(CYAMLEmitter&)>& body)
+{
+    std::ostringstream out;
+    CYAMLEmitter emitter(&out);
+    emitter.startStream();
+    emitter.startDocument(true);
+    body(emitter);
+    emitter.endDocument(true);
+    emitter.endStream();
+    return out.str();
+}
+
+/// A value of a kind the emitters do not know.
+class CStrangeObject : public CYAMLObject {
+public:
+    CStrangeObject() : CYAMLObject(7) {}
+    std::shared_ptr<CYAMLObject> clone() const override { return std::make_shared<CStrangeObject>(); }
+    int getType() const override { return 7; }
+    bool isEmpty() const override { return false; }
+    void initStartEvent(yaml_event_t*) const override {}
+};
+
+} // namespace
+
+TEST(CYAMLEmitterTest, ParsedDocumentIsWrittenBackAsItWasRead)
+{
+    const std::string yaml = "id: \"t1\"\n"
+                             "desc: 'it''s here'\n"
+                             "char: 'a'\n"
+                             "anchored: &a1 val\n"
+                             "tagged: !!str 5\n"
+                             "list: [a, 'b', \"c\"]\n"
+                             "block:\n"
+                             "- x\n"
+                             "- 'y'\n"
+                             "nested:\n"
+                             "  z: v\n"
+                             "  flow: {p: 1, q: 2}\n"
+                             "  b: |\n"
+                             "    line1\n"
+                             "    line2\n"
+                             "a: last\n";
+    const auto root = rootOf(yaml);
+    EXPECT_EQ(yaml, emitted([&](CYAMLEmitter& e) { e.write(*root); }));
+}
+
+TEST(CYAMLEmitterTest, BlockAndFlowStylesFromCallers)
+{
+    EXPECT_EQ("a: b\n"
+              "l:\n"
+              "- x\n"
+              "- y\n"
+              "f: [x, y]\n"
+              "m: {k: v, n: 1}\n"
+              "d:\n"
+              "  k: v\n",
+              emitted([](CYAMLEmitter& e) {
+                  e.mapStart();
+                  e.write("a");
+                  e.write("b");
+                  e.write("l");
+                  e.sequenceStart(IEmitter::STYLE_BLOCK);
+                  e.write("x");
+                  e.write("y");
+                  e.sequenceEnd();
+                  e.write("f");
+                  e.sequenceStart(IEmitter::STYLE_FLOW);
+                  e.write("x");
+                  e.write("y");
+                  e.sequenceEnd();
+                  e.write("m");
+                  e.mapStart(IEmitter::STYLE_FLOW);
+                  e.writeMappingPair("k", "v");
+                  e.writeMappingPair("n", 1u);
+                  e.mapEnd();
+                  e.write("d");
+                  e.mapStart(5); // an unknown style is the emitter's choice
+                  e.writeMappingPair("k", "v");
+                  e.mapEnd();
+                  e.mapEnd();
+              }));
+    EXPECT_EQ("[a, b]\n", emitted([](CYAMLEmitter& e) {
+                  e.sequenceStart(IEmitter::STYLE_FLOW);
+                  e.write("a");
+                  e.write("b");
+                  e.sequenceEnd();
+              }));
+}
+
+TEST(CYAMLEmitterTest, MappingPairsOfEveryType)
+{
+    EXPECT_EQ("b: true\n"
+              "f: false\n"
+              "d: 1.5\n"
+              "small: 1e-07\n"
+              "u: 4000000000\n"
+              "ll: -9000000000\n"
+              "s: text\n"
+              "lit: literal\n"
+              "empty:\n" // libyaml 0.2 ends the line right behind the colon of an empty value
+              "seq: [1]\n",
+              emitted([](CYAMLEmitter& e) {
+                  e.mapStart();
+                  e.writeMappingPair("b", true);
+                  e.writeMappingPair("f", false);
+                  e.writeMappingPair("d", 1.5);
+                  e.writeMappingPair("small", 1e-7);
+                  e.writeMappingPair("u", 4000000000u);
+                  e.writeMappingPair("ll", -9000000000LL);
+                  e.writeMappingPair("s", std::string("text"));
+                  e.writeMappingPair("lit", "literal");
+                  e.writeMappingPair("empty", std::string());
+                  e.writeMappingPair("none", CYAMLSequence());
+                  e.writeMappingPair("none", CYAMLMap());
+                  e.writeMappingPair("none", CYAMLScalar());
+                  CYAMLSequence seq(YAML_FLOW_SEQUENCE_STYLE);
+                  seq.add(CYAMLScalar(1));
+                  e.writeMappingPair("seq", seq);
+                  e.mapEnd();
+              }));
+}
+
+TEST(CYAMLEmitterTest, TextThatCannotStandPlainGetsTheNonSpecificTag)
+{
+    EXPECT_EQ("k: ! 'a: b'\n"
+              "lead: ! '    a = 5'\n"
+              "hash: ! '#x'\n"
+              "list: [! '', ! 'a, b']\n"
+              "ne: ! \"caf\\xE9 \\u20AC\"\n",
+              emitted([](CYAMLEmitter& e) {
+                  e.mapStart();
+                  e.writeMappingPair("k", "a: b");
+                  e.writeMappingPair("lead", "    a = 5");
+                  e.writeMappingPair("hash", "#x");
+                  e.write("list");
+                  e.sequenceStart(IEmitter::STYLE_FLOW);
+                  e.write("");
+                  e.write("a, b");
+                  e.sequenceEnd();
+                  e.writeMappingPair("ne", "caf\xc3\xa9 \xe2\x82\xac");
+                  e.mapEnd();
+              }));
+}
+
+TEST(CYAMLEmitterTest, MapsKeepInsertionOrder)
+{
+    CYAMLMap map;
+    map.add(CYAMLScalar("zeta"), std::make_shared<CYAMLScalar>("1"));
+    map.add(CYAMLScalar("alpha"), std::make_shared<CYAMLScalar>("2"));
+    auto list = std::make_shared<CYAMLSequence>();
+    list->add(CYAMLScalar("x"));
+    map.add(CYAMLScalar("mid"), list);
+    EXPECT_EQ("zeta: 1\nalpha: 2\nmid:\n- x\n", emitted([&](CYAMLEmitter& e) { e.write(map); }));
+
+    CYAMLMap scalars(YAML_FLOW_MAPPING_STYLE);
+    scalars.add(CYAMLScalar("b"), std::make_shared<CYAMLScalar>("1"));
+    scalars.add(CYAMLScalar("a"), std::make_shared<CYAMLScalar>("2"));
+    EXPECT_EQ("{b: 1, a: 2}\n", emitted([&](CYAMLEmitter& e) { e.writeMapOfScalars(scalars); }));
+    EXPECT_EQ("This object is not a scalar. Type = 1\n", failureOf<IllegalStateException>([&] {
+                  emitted([&](CYAMLEmitter& e) { e.writeMapOfScalars(map); });
+              }));
+}
+
+TEST(CYAMLEmitterTest, HeaderAndExplicitDocuments)
+{
+    auto stream = std::make_shared<CStringStream>();
+    CYAMLEmitter emitter(stream);
+    emitter.startStream("# header\n");
+    for (const char* id : {"t1", "t2"}) {
+        emitter.startDocument(false);
+        emitter.mapStart();
+        emitter.writeMappingPair("id", id);
+        emitter.mapEnd();
+        emitter.endDocument(false);
+    }
+    emitter.startDocument(false);
+    emitter.writeMapStart(CYAMLMap());
+    emitter.writeMappingPair("statistics", "none");
+    emitter.writeMapEnd();
+    emitter.endDocumentAndStream();
+    EXPECT_EQ("# header\n---\nid: t1\n...\n---\nid: t2\n...\n---\nstatistics: none\n...\n", stream->getString());
+}
+
+TEST(CYAMLEmitterTest, EmitFailuresNameTheCallAndLibyamlProblem)
+{
+    std::ostringstream out;
+    CYAMLEmitter first(&out);
+    EXPECT_EQ("Emitter end stream error: expected STREAM-START\n",
+              failureOf<IOException>([&] { first.endStream(); }));
+    EXPECT_EQ("YAML emitter can not be used after an earlier error!\n",
+              failureOf<IllegalStateException>([&] { first.startStream(); }));
+
+    CYAMLEmitter twice(&out);
+    twice.startStream();
+    EXPECT_EQ("Emitter start stream error: expected DOCUMENT-START or STREAM-END\n",
+              failureOf<IOException>([&] { twice.startStream(); }));
+
+    CYAMLEmitter outside(&out);
+    outside.startStream();
+    EXPECT_EQ("YAML emitter error!\n  data:\n    error: expected DOCUMENT-START or STREAM-END\n    scalar: x\n",
+              failureOf<IOException>([&] { outside.write("x"); }));
+
+    // libyaml looks one event ahead behind a document start: the next call reports it.
+    CYAMLEmitter late(&out);
+    late.startStream();
+    late.endStream();
+    late.startDocument(true);
+    EXPECT_EQ("Emitter end document error: expected nothing after STREAM-END\n",
+              failureOf<IOException>([&] { late.endDocument(true); }));
+
+    CYAMLEmitter noNode(&out);
+    noNode.startStream();
+    noNode.startDocument(true);
+    EXPECT_EQ("YAML emitter error: expected SCALAR, SEQUENCE-START, MAPPING-START, or ALIAS\n",
+              failureOf<IOException>([&] { noNode.mapEnd(); }));
+
+    CYAMLEmitter openMap(&out);
+    openMap.startStream();
+    openMap.startDocument(true);
+    openMap.mapStart();
+    openMap.write("k");
+    EXPECT_EQ("Emitter end document error: expected SCALAR, SEQUENCE-START, MAPPING-START, or ALIAS\n",
+              failureOf<IOException>([&] {
+                  openMap.write("v");
+                  openMap.endDocument(true);
+              }));
+}
+
+TEST(CYAMLEmitterTest, CollectionStartFailuresHaveTheirOwnPrefix)
+{
+    std::ostringstream out;
+    CYAMLEmitter sequenceFirst(&out);
+    sequenceFirst.startStream();
+    sequenceFirst.endStream();
+    sequenceFirst.mapStart();
+    sequenceFirst.write("a");
+    sequenceFirst.write("b");
+    EXPECT_EQ("YAML emitter error in sequence: expected nothing after STREAM-END\n",
+              failureOf<IOException>([&] { sequenceFirst.write(CYAMLSequence()); }));
+
+    CYAMLEmitter mapFirst(&out);
+    mapFirst.startStream();
+    mapFirst.endStream();
+    mapFirst.sequenceStart();
+    mapFirst.write("a");
+    EXPECT_EQ("YAML m_emitter error: expected nothing after STREAM-END\n", failureOf<IOException>([&] { mapFirst.write(CYAMLMap()); }));
+}
+
+TEST(CYAMLEmitterTest, RefusesUnknownObjectsAndBadText)
+{
+    EXPECT_EQ("Unknown YAML object type: 7\n", failureOf<IllegalStateException>([] {
+                  emitted([](CYAMLEmitter& e) { e.write(CStrangeObject()); });
+              }));
+    std::ostringstream out;
+    CYAMLEmitter emitter(&out);
+    emitter.startStream();
+    emitter.startDocument(true);
+    emitter.sequenceStart();
+    EXPECT_EQ("CYAMLScalar::initStartEvent failed!\n  data:\n    anchor: \n    tag: \n    value: \xff\n"
+              "    length: 1\n    plainImpicit: 1\n    quoedImplicit: 0\n    stryle: 0\n",
+              failureOf<IOException>([&] { emitter.write("\xff"); }));
+    // The emitter is still usable: the bad scalar never reached libyaml.
+    emitter.write("ok");
+    emitter.sequenceEnd();
+    emitter.endDocument(true);
+    emitter.endStream();
+    EXPECT_EQ("- ok\n", out.str());
+}
+
+TEST(EmitterFactoryTest, MakesEmittersOnAStream)
+{
+    auto stream = std::make_shared<CStringStream>();
+    auto yaml = EmitterFactory::createYamlEmitter(stream);
+    yaml->startStream();
+    yaml->startDocument(true);
+    yaml->sequenceStart(IEmitter::STYLE_FLOW);
+    yaml->write("a");
+    yaml->sequenceEnd();
+    yaml->endDocument(true);
+    yaml->endStream();
+    EXPECT_EQ("[a]\n", stream->getString());
+
+    auto xmlStream = std::make_shared<CStringStream>();
+    auto xml = EmitterFactory::createXmlEmitter(xmlStream);
+    xml->startStream();
+    xml->endStream();
+    EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n<main>\n</main>\n", xmlStream->getString());
+
+    EXPECT_EQ("Output stream of the emitter is null!\n",
+              failureOf<IllegalArgumentException>([] { EmitterFactory::createYamlEmitter(nullptr); }));
+    EXPECT_EQ("Output stream of the emitter is null!\n",
+              failureOf<IllegalArgumentException>([] { EmitterFactory::createXmlEmitter(nullptr); }));
+}
