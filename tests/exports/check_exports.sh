@@ -16,6 +16,7 @@ finished=(
   StrCoverageStatisticMap StrProfilerStatisticMap StrProfilerStatisticVectorMap
   IEmitter EmitterFactory CIntervalValidator
   CYAMLUtil
+  CTestFunction CTestStub CTestHIL StubsVector
 )
 # Free functions and registration exports, named whole.
 finished_names=(
