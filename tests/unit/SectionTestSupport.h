@@ -93,18 +93,4 @@ inline ParseFailure parseFailure(SectionHost& host, const std::string& text)
     return ParseFailure{};
 }
 
-/// Runs `action`, which must throw `Ex`; gives its description and data lines.
-template <typename Ex, typename Action>
-std::string thrown(Action action)
-{
-    try {
-        action();
-    } catch (const Ex& e) {
-        return e.getDesc() + "\n" + e.getData();
-    } catch (const std::exception& e) {
-        return std::string("wrong exception: ") + e.what();
-    }
-    return "no exception";
-}
-
 } // namespace kestrix_test
