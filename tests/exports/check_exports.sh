@@ -11,6 +11,7 @@ finished=(
   IStream CFileStream CStringStream
   CTestTrace CTestCoverage CTestCoverageStatistics
   IEmitter EmitterFactory CIntervalValidator
+  CYAMLUtil
 )
 # Free functions and registration exports, named whole.
 finished_names=(
