@@ -14,6 +14,8 @@
 %include "Core.i"
 %include "Streams.i"
 %include "YamlOutput.i"
+%include "ProfilerSection.i"
+%include "Config.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"
