@@ -14,6 +14,7 @@
 %include "Core.i"
 %include "Streams.i"
 %include "YamlOutput.i"
+%include "YamlParse.i"
 %include "ProfilerSection.i"
 %include "Config.i"
 

@@ -10,6 +10,7 @@ finished=(
   CUtil StrVector VectorBYTE VectorDWORD StrStrMap StrStrMapIterator ucharArray
   IStream CFileStream CStringStream
   IEmitter EmitterFactory CIntervalValidator
+  CYAMLUtil
   MinMaxLimits CProfilerArea CTestProfiler CTestEnvironmentConfig CTestReportConfig
 )
 # Free functions and registration exports, named whole.
