@@ -5,6 +5,7 @@ public static class ManagedTestMain {
     YamlOutputTests.Run();
     YamlParseTests.Run();
     SectionsTests.Run();
+    ProfilerConfigTests.Run();
     return Check.Result("managed tests");
   }
 }
