@@ -14,6 +14,7 @@
 %include "Core.i"
 %include "Streams.i"
 %include "YamlOutput.i"
+%include "Sections.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

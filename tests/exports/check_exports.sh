@@ -10,6 +10,7 @@ finished=(
   CUtil StrVector VectorBYTE VectorDWORD StrStrMap StrStrMapIterator ucharArray
   IStream CFileStream CStringStream
   IEmitter EmitterFactory CIntervalValidator
+  CTestFunction CTestStub CTestHIL StubsVector
 )
 # Free functions and registration exports, named whole.
 finished_names=(

@@ -16,7 +16,7 @@ class IEmitter;
 /// function under test, the init and end functions of a test and the script of a stub.
 /// Accepted forms: `[f]`, `[f, []]`, `[f, [a, b]]`, `[f, [], r]`, `[f, [a, b], r]`, and
 /// `[f, {}, r]` where an empty mapping stands in for the parameter list.
-class CTestFunction : public ITestParserEventReceiver {
+class CTestFunction final : public ITestParserEventReceiver {
 public:
     /// `parent` takes the events after the function's list; not owned, may be null.
     explicit CTestFunction(ITestParserEventReceiver* parent);

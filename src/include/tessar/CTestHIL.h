@@ -19,7 +19,7 @@ class IEmitter;
 ///       params:
 ///         Out1: 1
 ///         AnalogIn: 2.5
-class CTestHIL : public ITestParserEventReceiver {
+class CTestHIL final : public ITestParserEventReceiver {
 public:
     static const char* const KEY_PARAMS;
 

@@ -25,7 +25,7 @@ class IEmitter;
 ///       params: [p1, p2]
 ///       assign: {srv: 42}
 ///       script: [on_stub, [p1], r]
-class CTestStub : public ITestParserEventReceiver {
+class CTestStub final : public ITestParserEventReceiver {
 public:
     static const char* const KEY_FUNC;
     static const char* const KEY_PARAMS;
