@@ -99,6 +99,10 @@ private:
     const ProfilerAreasVector& areasOf(EAreaType type) const;
     static void checkIndex(const ProfilerAreasVector& areas, int index);
     static ProfilerAreasVector copyAreas(const ProfilerAreasVector& areas);
+    /// Refuses null items.
+    static void checkAreas(const ProfilerAreasVector& areas);
+    static void writeAreas(const std::shared_ptr<IEmitter>& emitter, const char* key, const CYAMLSequence& block,
+                           const ProfilerAreasVector& areas);
     ITestParserEventReceiver* startArea(ProfilerAreasVector& areas, const yaml_event_t& event);
     std::string sectionError(const std::string& key) const;
 
