@@ -108,14 +108,6 @@ INSTANTIATE_TEST_SUITE_P(
                 2},
         Refusal{"func:\n- f\n- - a\n  - b: 1\n", "Parameters expected!", 4}));
 
-TEST(CTestFunction, ReadAsTheRootOfATextItEndsWithoutParent)
-{
-    CTestFunction function;
-    CYAMLUtil::parseYAML(function, "[f, [1], r]");
-    EXPECT_EQ("f", function.getName());
-    EXPECT_EQ(nullptr, function.getParent());
-}
-
 TEST(CTestFunction, EmptyWithoutNameAndThenWritesNothing)
 {
     SectionHost host;

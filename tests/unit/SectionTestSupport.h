@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -135,23 +136,30 @@ struct ParseFailure {
     std::string position;
 };
 
-inline ParseFailure parseFailure(ITestParserEventReceiver& receiver, const std::string& text)
+/// Runs `action`, which must throw a ParserException.
+inline ParseFailure failureOf(const std::function<void()>& action)
 {
     try {
-        CYAMLUtil::parseYAML(receiver, text);
+        action();
     } catch (const ParserException& e) {
+        // A parse error carries the section's message behind "Error: " and the place.
         const std::string& data = e.getData();
-        ParseFailure failure;
         size_t start = data.find("Error: ");
-        size_t end = data.find("  [/", start);
-        failure.message = start == std::string::npos ? data : data.substr(start + 7, end - start - 7);
+        if (start == std::string::npos) {
+            return {e.getDesc(), ""};
+        }
         size_t pos = data.find("[Line: ");
-        failure.position = pos == std::string::npos ? "" : data.substr(pos, data.find(']', pos) + 1 - pos);
-        return failure;
+        return {data.substr(start + 7, data.find("  [/", start) - start - 7),
+                pos == std::string::npos ? "" : data.substr(pos, data.find(']', pos) + 1 - pos)};
     } catch (const std::exception& e) {
         return {std::string("wrong exception: ") + e.what(), ""};
     }
     return {"no exception", ""};
+}
+
+inline ParseFailure parseFailure(ITestParserEventReceiver& receiver, const std::string& text)
+{
+    return failureOf([&] { CYAMLUtil::parseYAML(receiver, text); });
 }
 
 inline ParseFailure parseFailure(const std::string& text)
@@ -160,21 +168,10 @@ inline ParseFailure parseFailure(const std::string& text)
     return parseFailure(host, text);
 }
 
-/// Runs `action`, which must throw a ParserException; gives the message of the section.
-template <typename F>
-std::string refusal(F action)
+/// The message of a refused setter.
+inline std::string refusal(const std::function<void()>& action)
 {
-    try {
-        action();
-    } catch (const ParserException& e) {
-        const std::string& data = e.getData();
-        size_t start = data.find("Error: ");
-        size_t end = data.find("  [/", start);
-        return start == std::string::npos ? e.getDesc() : data.substr(start + 7, end - start - 7);
-    } catch (const std::exception& e) {
-        return std::string("wrong exception: ") + e.what();
-    }
-    return "no exception";
+    return failureOf(action).message;
 }
 
 } // namespace kestrix_test
