@@ -15,6 +15,7 @@
 %include "Streams.i"
 %include "YamlOutput.i"
 %include "Sections.i"
+%include "AnalyzerSections.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

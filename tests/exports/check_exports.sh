@@ -9,6 +9,7 @@ catalogue=$2
 finished=(
   CUtil StrVector VectorBYTE VectorDWORD StrStrMap StrStrMapIterator ucharArray
   IStream CFileStream CStringStream
+  CTestTrace CTestCoverage CTestCoverageStatistics
   IEmitter EmitterFactory CIntervalValidator
   CTestFunction CTestStub CTestHIL StubsVector
 )
