@@ -154,7 +154,7 @@ TEST(CTestSpecificationMerge, NearerFuncWithParametersOutranksAncestorsParams)
     EXPECT_EQ("r", merged->getFunctionUnderTest().getRetValueName());
     EXPECT_EQ((StrVector{"9"}), paramsOf(*merged));
     EXPECT_NE(std::string::npos, merged->toString().find("func: [g, [9], r]\n"));
-    EXPECT_EQ(std::string::npos, merged->toString().find("params:")) << "mid's params do not reach it";
+    EXPECT_EQ(std::string::npos, merged->toString().find("\nparams:")) << "mid's params do not reach it";
     EXPECT_EQ("leaf desc", merged->getDescription());
     EXPECT_EQ((StrVector{"rv == 11"}), expectOf(*merged));
 }
