@@ -16,6 +16,7 @@
 %include "YamlOutput.i"
 %include "Sections.i"
 %include "AnalyzerSections.i"
+%include "TestSpec.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

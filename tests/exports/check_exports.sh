@@ -12,6 +12,7 @@ finished=(
   CTestTrace CTestCoverage CTestCoverageStatistics
   IEmitter EmitterFactory CIntervalValidator
   CTestFunction CTestStub CTestHIL StubsVector
+  CTestSpecification CTestBench
 )
 # Free functions and registration exports, named whole.
 finished_names=(
