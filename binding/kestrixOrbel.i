@@ -14,8 +14,11 @@
 %include "Core.i"
 %include "Streams.i"
 %include "YamlOutput.i"
+%include "YamlParse.i"
 %include "Sections.i"
 %include "AnalyzerSections.i"
+%include "ProfilerSection.i"
+%include "Config.i"
 %include "TestSpec.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.

@@ -11,6 +11,8 @@ finished=(
   IStream CFileStream CStringStream
   CTestTrace CTestCoverage CTestCoverageStatistics
   IEmitter EmitterFactory CIntervalValidator
+  CYAMLUtil
+  MinMaxLimits CProfilerArea CTestProfiler CTestEnvironmentConfig CTestReportConfig
   CTestFunction CTestStub CTestHIL StubsVector
   CTestSpecification CTestBench
 )

@@ -1,6 +1,8 @@
 public static class ManagedTestMain {
   public static int Main() {
     FoundationTests.Run();
+    YamlOutputTests.Run();
+    YamlParseTests.Run();
     return Check.Result("managed tests");
   }
 }

@@ -104,25 +104,6 @@ TEST(CYAMLScalarTest, SetValueResetsFlagsButKeepsStyle)
     EXPECT_EQ(3, scalar.getStyle());
 }
 
-TEST(CYAMLScalarTest, StartEventCarriesAllFields)
-{
-    ParsedEvents events("k: &x !t 'v'\n");
-    const CYAMLScalar scalar(events.get(YAML_SCALAR_EVENT, 1));
-    yaml_event_t event;
-    scalar.initStartEvent(&event);
-    EXPECT_EQ(YAML_SCALAR_EVENT, event.type);
-    EXPECT_STREQ("x", reinterpret_cast<const char*>(event.data.scalar.anchor));
-    EXPECT_STREQ("!t", reinterpret_cast<const char*>(event.data.scalar.tag));
-    EXPECT_STREQ("v", reinterpret_cast<const char*>(event.data.scalar.value));
-    EXPECT_EQ(YAML_SINGLE_QUOTED_SCALAR_STYLE, event.data.scalar.style);
-    yaml_event_delete(&event);
-
-    CYAMLScalar("w").initStartEvent(&event);
-    EXPECT_EQ(nullptr, event.data.scalar.anchor);
-    EXPECT_EQ(nullptr, event.data.scalar.tag);
-    yaml_event_delete(&event);
-}
-
 TEST(CYAMLScalarTest, StartEventRefusesTextThatIsNotUtf8)
 {
     const CYAMLScalar scalar(std::string("caf\xe9"));
@@ -217,17 +198,6 @@ TEST(CYAMLEnumTest, SetEnumAndDefault)
     const auto copy = format.clone();
     ASSERT_NE(nullptr, dynamic_cast<CYAMLEnum<TestFormat>*>(copy.get()));
     EXPECT_EQ(fmtYaml, dynamic_cast<CYAMLEnum<TestFormat>&>(*copy).getEnum());
-}
-
-TEST(CYAMLEnumTest, TablesOfTheSections)
-{
-    EXPECT_STREQ("resume", CYAMLEnumTables::COVERAGE_RUN_MODE[2]);
-    EXPECT_EQ(nullptr, CYAMLEnumTables::COVERAGE_RUN_MODE[3]);
-    EXPECT_STREQ("start", CYAMLEnumTables::PROFILER_RUN_MODE[1]);
-    EXPECT_EQ(nullptr, CYAMLEnumTables::TRACE_RUN_MODE[2]);
-    EXPECT_STREQ("Binary", CYAMLEnumTables::TRACE_EXPORT[2]);
-    EXPECT_STREQ("Review (Text)", CYAMLEnumTables::COVERAGE_EXPORT[5]);
-    EXPECT_STREQ("errorsOnly", CYAMLEnumTables::REPORT_CONTENTS[1]);
 }
 
 TEST(CYAMLSequenceTest, FromEventAndTextLists)

@@ -16,7 +16,7 @@ namespace kestrix {
 
 /// The "profiler" section of a test: whether and from where the profiler runs, where its
 /// results go, and the code and data areas it measures with their expected limits.
-class CTestProfiler : public ITestParserEventReceiver {
+class CTestProfiler final : public ITestParserEventReceiver {
 public:
     enum ERunMode { rmOff = 0, rmStart = 1 };
     /// Selects one of the two area lists.
