@@ -10,8 +10,19 @@
 %shared_ptr(kestrix::CTestSpecification)
 %shared_ptr(kestrix::CTestBench)
 
-// A managed caller makes a new stub through the specification under this name.
-%rename(new_CTestSpecificationTestStub) kestrix::CTestSpecification::newTestStub;
+// The catalogue exports `newTestStub` as a free function under the name below; the proxy
+// class gets its method back in C#.
+%{
+static std::shared_ptr<kestrix::CTestStub> new_CTestSpecificationTestStub(kestrix::CTestSpecification* self)
+{
+    return self->newTestStub();
+}
+%}
+%typemap(cscode) kestrix::CTestSpecification %{
+  public CTestStub newTestStub() {
+    return kestrixOrbel.new_CTestSpecificationTestStub(this);
+  }
+%}
 
 namespace kestrix {
 
@@ -79,7 +90,6 @@ public:
     void setLocalVariables(const std::string& text);
     void setInitValues(const std::string& text);
     void setIdeOptions(const std::string& text);
-    std::shared_ptr<CTestStub> newTestStub();
     void removeStub(int idx);
 };
 
@@ -100,3 +110,5 @@ public:
 };
 
 } // namespace kestrix
+
+std::shared_ptr<kestrix::CTestStub> new_CTestSpecificationTestStub(kestrix::CTestSpecification* self);

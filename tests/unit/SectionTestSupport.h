@@ -26,6 +26,9 @@
 #include "ParserException.h"
 
 namespace kestrix_test {
+// Inline namespace: other test helpers use the same names in kestrix_test, and one binary
+// holds all tests, so these get names of their own at link time.
+inline namespace section_tests {
 
 using namespace kestrix;
 
@@ -240,4 +243,5 @@ std::string thrown(Action action)
     return "no exception";
 }
 
+} // namespace section_tests
 } // namespace kestrix_test
