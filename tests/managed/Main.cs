@@ -3,6 +3,7 @@ public static class ManagedTestMain {
     FoundationTests.Run();
     YamlOutputTests.Run();
     YamlParseTests.Run();
+    SectionsTests.Run();
     return Check.Result("managed tests");
   }
 }
