@@ -6,9 +6,9 @@
 #include "YamlTestSupport.h"
 
 using namespace kestrix;
+using kestrix_test::failureOf;
 using kestrix_test::parseFailure;
 using kestrix_test::SectionHost;
-using kestrix_test::thrown;
 using kestrix_test::written;
 
 namespace {
@@ -241,14 +241,14 @@ TEST(CTestCoverage, SettersRefuseBadValuesAndKeepTheField)
     coverage.setRunMode("start");
     coverage.setOpenMode("w");
     EXPECT_EQ("Invalid coverage 'ERunMode' enum value!\n",
-              thrown<IllegalArgumentException>([&] { coverage.setRunMode(static_cast<CTestCoverage::ERunMode>(3)); }));
+              failureOf<IllegalArgumentException>([&] { coverage.setRunMode(static_cast<CTestCoverage::ERunMode>(3)); }));
     EXPECT_EQ("Invalid string value for enum : 'on'\n",
-              thrown<IllegalArgumentException>([&] { coverage.setRunMode("on"); }));
+              failureOf<IllegalArgumentException>([&] { coverage.setRunMode("on"); }));
     EXPECT_EQ(CTestCoverage::rmStart, coverage.getRunMode());
     EXPECT_EQ("Invalid open mode for coverage document. Should be 'u', 'w', or 'a'.\n  data:\n    openMode: x\n",
-              thrown<ParserException>([&] { coverage.setOpenMode("x"); }));
+              failureOf<ParserException>([&] { coverage.setOpenMode("x"); }));
     EXPECT_EQ("w", coverage.getOpenMode());
-    EXPECT_NE("no exception", thrown<ParserException>([&] { coverage.setBitmapFileName("a, b"); }));
+    EXPECT_NE("no exception", failureOf<ParserException>([&] { coverage.setBitmapFileName("a, b"); }));
 }
 
 TEST(CTestCoverage, StatisticsListOperations)
@@ -266,9 +266,9 @@ TEST(CTestCoverage, StatisticsListOperations)
     EXPECT_EQ("coverage:\n  document: d\n  statistics:\n  - func: c\n  - func: a\n", written("coverage", coverage));
 
     EXPECT_EQ("No coverage statistics at the given index exists!\n  data:\n    index: 2\n    noOfStatistics: 2\n",
-              thrown<IndexOutOfBoundsException>([&] { coverage.getStatistics(2); }));
-    EXPECT_NE("no exception", thrown<IndexOutOfBoundsException>([&] { coverage.removeStatistics(-1); }));
-    EXPECT_NE("no exception", thrown<IndexOutOfBoundsException>([&] { coverage.swapStatistics(0, 5); }));
+              failureOf<IndexOutOfBoundsException>([&] { coverage.getStatistics(2); }));
+    EXPECT_NE("no exception", failureOf<IndexOutOfBoundsException>([&] { coverage.removeStatistics(-1); }));
+    EXPECT_NE("no exception", failureOf<IndexOutOfBoundsException>([&] { coverage.swapStatistics(0, 5); }));
     EXPECT_EQ(2, coverage.getStatisticsSize());
 }
 
@@ -313,7 +313,7 @@ TEST(CTestCoverageStatistics, NumberSetters)
     EXPECT_EQ("", item.getBranchNotTakenText());
     EXPECT_EQ("s:\n  code: 0\n  branches: 0\n  taken: 0\n  both: 0\n", written("s", item));
 
-    EXPECT_NE("no exception", thrown<IllegalArgumentException>([&] { item.setCodeExecuted("abc"); }));
+    EXPECT_NE("no exception", failureOf<IllegalArgumentException>([&] { item.setCodeExecuted("abc"); }));
     EXPECT_EQ("0", item.getBytesExecutedText());
     item.setFunctionName("'f'");
     EXPECT_EQ("f", item.getFunctionName());
@@ -324,7 +324,7 @@ TEST(CTestCoverageStatistics, ConstructorFromAnEventIsInsideItsMapping)
     kestrix_test::ParsedEvents events("&m {a: 1}");
     CTestCoverageStatistics item(nullptr, events.get(YAML_MAPPING_START_EVENT));
     EXPECT_EQ("Mapping not allowed at that point!\n",
-              thrown<ParserException>([&] { item.mappingStart(events.get(YAML_MAPPING_START_EVENT)); }));
+              failureOf<ParserException>([&] { item.mappingStart(events.get(YAML_MAPPING_START_EVENT)); }));
     item.setFunctionName("f");
     EXPECT_EQ("s: &m {func: f}\n", written("s", item));
 }
