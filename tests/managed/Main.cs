@@ -4,6 +4,7 @@ public static class ManagedTestMain {
     YamlOutputTests.Run();
     YamlParseTests.Run();
     SectionsTests.Run();
+    TestSpecTests.Run();
     return Check.Result("managed tests");
   }
 }
