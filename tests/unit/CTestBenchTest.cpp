@@ -173,6 +173,7 @@ TEST(CTestBench, RefusalsOfTheRootMapping)
                   "[Line: 2  Col: 0]");
     expectRefusal("- a\n", "Sequence start not allowed in the main section of test bench!", "[Line: 1  Col: 1]");
     expectRefusal("env: {}\n---\nenv: {}\n", "Invalid section for mapping start!", "[Line: 3  Col: 4]");
+    EXPECT_NE(std::string::npos, parseFailure("env: {}\n---\nenv: {}\n").getData().find("  data:\n    section: 2\n    key: env\n"));
     expectRefusal("tests: [{id: a}]\n---\nid: b\n", "Unexpected YAML content after the end of the root block. Only one YAML document is allowed!",
                   "[Line: 3  Col: 3]");
 }
