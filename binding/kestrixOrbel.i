@@ -22,6 +22,7 @@
 %include "AnalyzerSections.i"
 %include "ProfilerSection.i"
 %include "Config.i"
+%include "TestSpec.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

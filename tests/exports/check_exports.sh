@@ -19,6 +19,7 @@ finished=(
   CYAMLUtil
   CTestFunction CTestStub CTestHIL StubsVector
   MinMaxLimits CProfilerArea CTestProfiler CTestEnvironmentConfig CTestReportConfig
+  CTestSpecification CTestBench
 )
 # Free functions and registration exports, named whole.
 finished_names=(

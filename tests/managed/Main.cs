@@ -6,6 +6,7 @@ public static class ManagedTestMain {
     YamlParseTests.Run();
     SectionsTests.Run();
     ProfilerConfigTests.Run();
+    TestSpecTests.Run();
     return Check.Result("managed tests");
   }
 }

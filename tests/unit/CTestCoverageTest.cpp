@@ -2,14 +2,14 @@
 
 #include "CTestCoverage.h"
 #include "Exceptions.h"
-#include "AnalyzerSectionTestSupport.h"
+#include "SectionTestSupport.h"
 #include "YamlTestSupport.h"
 
 using namespace kestrix;
 using kestrix_test::failureOf;
-using kestrix_test::analyzer::parseFailure;
-using kestrix_test::analyzer::SectionHost;
-using kestrix_test::analyzer::written;
+using kestrix_test::parseFailure;
+using kestrix_test::SectionHost;
+using kestrix_test::written;
 
 namespace {
 
@@ -22,7 +22,7 @@ struct CoverageFixture : public ::testing::Test {
 
     void parse(const std::string& text) { CYAMLUtil::parseYAML(host, text); }
     std::string text() { return written("coverage", coverage); }
-    kestrix_test::analyzer::ParseFailure failure(const std::string& text) { return parseFailure(host, text); }
+    kestrix_test::ParseFailure failure(const std::string& text) { return parseFailure(host, text); }
 };
 
 const char* const FULL_BLOCK =

@@ -2,14 +2,14 @@
 
 #include "CTestTrace.h"
 #include "Exceptions.h"
-#include "AnalyzerSectionTestSupport.h"
+#include "SectionTestSupport.h"
 #include "YamlTestSupport.h"
 
 using namespace kestrix;
 using kestrix_test::failureOf;
-using kestrix_test::analyzer::parseFailure;
-using kestrix_test::analyzer::SectionHost;
-using kestrix_test::analyzer::written;
+using kestrix_test::parseFailure;
+using kestrix_test::SectionHost;
+using kestrix_test::written;
 
 namespace {
 
