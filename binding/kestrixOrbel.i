@@ -17,6 +17,7 @@
 %include "Logger.i"
 %include "Statistics.i"
 %include "YamlOutput.i"
+%include "YamlParse.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

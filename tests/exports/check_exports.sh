@@ -15,6 +15,7 @@ finished=(
   ProfilerHistoryVector ProfilerStatisticVector
   StrCoverageStatisticMap StrProfilerStatisticMap StrProfilerStatisticVectorMap
   IEmitter EmitterFactory CIntervalValidator
+  CYAMLUtil
 )
 # Free functions and registration exports, named whole.
 finished_names=(

@@ -3,6 +3,7 @@ public static class ManagedTestMain {
     FoundationTests.Run();
     ValuesTests.Run();
     YamlOutputTests.Run();
+    YamlParseTests.Run();
     return Check.Result("managed tests");
   }
 }
