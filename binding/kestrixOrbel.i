@@ -18,6 +18,7 @@
 %include "Statistics.i"
 %include "YamlOutput.i"
 %include "YamlParse.i"
+%include "AnalyzerSections.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

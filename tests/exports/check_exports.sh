@@ -14,6 +14,7 @@ finished=(
   CCoverageStatistic CProfilerStatistic SProfilerHistory CProfilerHistory
   ProfilerHistoryVector ProfilerStatisticVector
   StrCoverageStatisticMap StrProfilerStatisticMap StrProfilerStatisticVectorMap
+  CTestTrace CTestCoverage CTestCoverageStatistics
   IEmitter EmitterFactory CIntervalValidator
   CYAMLUtil
 )
