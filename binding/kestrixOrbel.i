@@ -19,6 +19,7 @@
 %include "YamlOutput.i"
 %include "YamlParse.i"
 %include "AnalyzerSections.i"
+%include "Sections.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

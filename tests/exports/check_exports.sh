@@ -17,6 +17,7 @@ finished=(
   CTestTrace CTestCoverage CTestCoverageStatistics
   IEmitter EmitterFactory CIntervalValidator
   CYAMLUtil
+  CTestFunction CTestStub CTestHIL StubsVector
 )
 # Free functions and registration exports, named whole.
 finished_names=(
