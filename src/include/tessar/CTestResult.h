@@ -65,15 +65,18 @@ public:
     std::string toString() const;
 
 private:
-    void serializeHeader(IEmitter& emitter, std::shared_ptr<CTestReportConfig> reportConfig) const;
-    void serializeExpressions(IEmitter& emitter) const;
-    void serializeCoverage(std::shared_ptr<IEmitter> emitter) const;
-    void serializeCodeProfiler(std::shared_ptr<IEmitter> emitter, const StrStrMap& variables) const;
-    void serializeDataProfiler(std::shared_ptr<IEmitter> emitter, const StrStrMap& variables) const;
-    void serializeCoverageErrors(IEmitter& emitter) const;
-    void serializeCodeProfilerErrors(std::shared_ptr<IEmitter> emitter) const;
-    void serializeDataProfilerErrors(std::shared_ptr<IEmitter> emitter) const;
-    void serializeOutputFile(IEmitter& emitter, const StrStrMap& variables) const;
+    typedef std::shared_ptr<IEmitter> Emitter;
+
+    void serializeSpecAndEnvironment(const Emitter& emitter, const std::shared_ptr<CTestReportConfig>& config) const;
+    void serializeExpressions(const Emitter& emitter) const;
+    void serializeTrace(const Emitter& emitter) const;
+    void serializeCoverage(const Emitter& emitter) const;
+    void serializeCodeProfiler(const Emitter& emitter, const StrStrMap& variables) const;
+    void serializeDataProfiler(const Emitter& emitter, const StrStrMap& variables) const;
+    void serializeOutputFile(const Emitter& emitter, const StrStrMap& variables) const;
+    void serializeCoverageErrors(const Emitter& emitter) const;
+    void serializeCodeProfilerErrors(const Emitter& emitter) const;
+    void serializeDataProfilerErrors(const Emitter& emitter) const;
 
     StrVector m_expressionResults;
     StrCoverageTestResultsMap m_coverageResults;
