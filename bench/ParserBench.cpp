@@ -1,6 +1,6 @@
-// Parsing a large file of test specifications through CYAMLUtil::parseYAML into CYAMLMap
-// objects, against libyaml's parser pulling all events of the same text and doing nothing
-// else. Prints both throughputs and their ratio.
+// Parsing a large file of test specifications through CYAMLUtil::parseYAML, into section-like
+// receivers and into CYAMLMap objects, against libyaml's parser pulling all events of the same
+// text and doing nothing else. Prints the throughputs and their ratios.
 
 #include <benchmark/benchmark.h>
 #include <yaml.h>
@@ -24,13 +24,13 @@ namespace {
     throw std::runtime_error("unexpected event");
 }
 
-const int SPEC_COUNT = 10000;
+const int TEST_COUNT = 10000;
 
 /// A root sequence of flat test specifications.
 std::string makeText()
 {
     std::string text;
-    for (int i = 0; i < SPEC_COUNT; ++i) {
+    for (int i = 0; i < TEST_COUNT; ++i) {
         const std::string n = std::to_string(i);
         text += "- id: test_" + n + "\n";
         text += "  func: func" + std::to_string(i % 97) + "\n";
@@ -50,9 +50,9 @@ const std::string& text()
 
 /// One test specification read the way the sections of a test file read theirs: a state
 /// machine that stores each known key's value in its own scalar member.
-class SpecSection : public kestrix::ITestParserEventReceiver {
+class TestSection : public kestrix::ITestParserEventReceiver {
 public:
-    explicit SpecSection(ITestParserEventReceiver* parent) : m_parent(parent) {}
+    explicit TestSection(ITestParserEventReceiver* parent) : m_parent(parent) {}
 
     ITestParserEventReceiver* mappingStart(const yaml_event_t& event) override
     {
@@ -94,12 +94,12 @@ private:
     kestrix::CYAMLScalar* m_target = nullptr;
 };
 
-/// The root sequence: one specification per item, each held by a shared pointer like the
-/// specifications of a test bench, or each in a CYAMLMap filled by the generic map receiver.
+/// The root sequence: one test specification per item, each held by a shared pointer like the
+/// tests of a test bench, or each in a CYAMLMap filled by the generic map receiver.
 template <bool USE_MAP_RECEIVER>
-class SpecListReceiver : public kestrix::ITestParserEventReceiver {
+class TestListReceiver : public kestrix::ITestParserEventReceiver {
 public:
-    std::vector<std::shared_ptr<SpecSection>> sections;
+    std::vector<std::shared_ptr<TestSection>> sections;
     std::vector<kestrix::CYAMLMap> maps;
 
     ITestParserEventReceiver* mappingStart(const yaml_event_t& event) override
@@ -109,7 +109,7 @@ public:
             m_mapReceiver = std::make_unique<kestrix::CYAMLMapReceiver>(this, &maps.back());
             return m_mapReceiver->mappingStart(event);
         }
-        sections.push_back(std::make_shared<SpecSection>(this));
+        sections.push_back(std::make_shared<TestSection>(this));
         return sections.back()->mappingStart(event);
     }
     ITestParserEventReceiver* mappingKey(const yaml_event_t&) override { return refuse(); }
@@ -129,8 +129,8 @@ private:
 template <bool USE_MAP_RECEIVER>
 size_t parseWithReceiver()
 {
-    SpecListReceiver<USE_MAP_RECEIVER> receiver;
-    receiver.maps.reserve(USE_MAP_RECEIVER ? SPEC_COUNT : 0);
+    TestListReceiver<USE_MAP_RECEIVER> receiver;
+    receiver.maps.reserve(USE_MAP_RECEIVER ? TEST_COUNT : 0);
     kestrix::CYAMLUtil::parseYAML(receiver, text());
     return receiver.count();
 }
@@ -159,10 +159,10 @@ size_t parseRaw()
 void run(benchmark::State& state, size_t (*parse)())
 {
     for (auto _ : state) {
-        size_t specs = parse();
-        benchmark::DoNotOptimize(specs);
+        size_t tests = parse();
+        benchmark::DoNotOptimize(tests);
     }
-    state.SetItemsProcessed(state.iterations() * SPEC_COUNT);
+    state.SetItemsProcessed(state.iterations() * TEST_COUNT);
     state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * text().size()));
 }
 
@@ -208,7 +208,7 @@ public:
             return;
         }
         std::printf("\nraw yaml_parser_parse:                %6.1f MB/s\n", raw->second / 1e6);
-        printOne("BM_ParseYAMLIntoSections", "parseYAML into spec sections:", raw->second);
+        printOne("BM_ParseYAMLIntoSections", "parseYAML into test sections:", raw->second);
         printOne("BM_ParseYAMLIntoMaps", "parseYAML into CYAMLMapReceiver:", raw->second);
         std::printf("(goal: at least 0.50 of raw libyaml's speed)\n");
     }
@@ -233,13 +233,13 @@ int main(int argc, char** argv)
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;
     }
-    // Both sides must read the same specifications for the comparison to mean anything.
+    // Both sides must read the same test specifications for the comparison to mean anything.
     const size_t viaSections = parseWithReceiver<false>();
     const size_t viaMaps = parseWithReceiver<true>();
     const size_t viaLibyaml = parseRaw();
-    if (viaSections != SPEC_COUNT || viaMaps != SPEC_COUNT || viaLibyaml != SPEC_COUNT) {
-        std::fprintf(stderr, "Specifications read: %zu into sections, %zu into maps, %zu by libyaml, %d written.\n",
-                     viaSections, viaMaps, viaLibyaml, SPEC_COUNT);
+    if (viaSections != TEST_COUNT || viaMaps != TEST_COUNT || viaLibyaml != TEST_COUNT) {
+        std::fprintf(stderr, "Tests read: %zu into sections, %zu into maps, %zu by libyaml, %d written.\n",
+                     viaSections, viaMaps, viaLibyaml, TEST_COUNT);
         return 1;
     }
     RatioReporter reporter;

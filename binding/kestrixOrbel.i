@@ -20,6 +20,8 @@
 %include "YamlParse.i"
 %include "AnalyzerSections.i"
 %include "Sections.i"
+%include "ProfilerSection.i"
+%include "Config.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

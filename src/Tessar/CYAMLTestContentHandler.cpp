@@ -122,6 +122,7 @@ void CYAMLTestContentHandler::scalar(const yaml_event_t& event)
         m_receiver = current().mappingValue(event);
         break;
     default:
+        current(); // behind a root block that left no receiver, the further document is at fault
         throw ParserException(KX_POS, "Standalone scalar not allowed. It should be member of mapping or sequence: ",
                               std::string(reinterpret_cast<const char*>(data.value), data.length));
     }

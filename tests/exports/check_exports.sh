@@ -18,6 +18,7 @@ finished=(
   IEmitter EmitterFactory CIntervalValidator
   CYAMLUtil
   CTestFunction CTestStub CTestHIL StubsVector
+  MinMaxLimits CProfilerArea CTestProfiler CTestEnvironmentConfig CTestReportConfig
 )
 # Free functions and registration exports, named whole.
 finished_names=(

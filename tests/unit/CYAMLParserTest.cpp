@@ -275,4 +275,9 @@ TEST(CYAMLParser, ContentBehindARootBlockThatLeftNoReceiverIsRefused)
         << text;
     EXPECT_NE(std::string::npos, text.find("[Line: 3  Col: 2]")) << text;
     EXPECT_EQ((Lines{"+MAP", "key =VAL :a", "value =VAL :1", "-MAP"}), receiver.events);
+
+    EndingReceiver second;
+    ParserException scalarDocument = parseFailure(second, "a: 1\n--- text\n");
+    EXPECT_NE(std::string::npos, context(scalarDocument).find("Error: Unexpected YAML content after the end"))
+        << context(scalarDocument);
 }

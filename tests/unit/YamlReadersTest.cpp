@@ -120,13 +120,6 @@ TEST(YamlStringReader, ErrorContextBehindAFinalLineEndIsNotLost)
               reader.getErrorContext(1, 0, "end", 2));
 }
 
-TEST(YamlStringReader, ErrorContextOfAnEmptyText)
-{
-    YamlStringReader reader("");
-    EXPECT_EQ("\n---\n\n^\nError: nothing\n" + BANNER + "\n\n---\n[Line: 1  Col: 0]\n",
-              reader.getErrorContext(0, 0, "nothing", 0));
-}
-
 TEST(YamlFileReader, ReadsFromTheSeekPosition)
 {
     TempFile file("#### header\nkey: value\n");
@@ -144,11 +137,11 @@ TEST(YamlFileReader, ErrorContextIsThePositionAndTheMessage)
 TEST(YamlFileReader, MissingFileIsAnIOExceptionNamingTheFile)
 {
     try {
-        YamlFileReader reader("/nonexistent-dir/spec.yaml", 0);
+        YamlFileReader reader("/nonexistent-dir/tests.yaml", 0);
         FAIL() << "no exception";
     } catch (const IOException& e) {
         EXPECT_EQ("Can not open file with test specification!", e.getDesc());
-        EXPECT_EQ("  data:\n    file: /nonexistent-dir/spec.yaml\n", e.getData());
+        EXPECT_EQ("  data:\n    file: /nonexistent-dir/tests.yaml\n", e.getData());
     }
 }
 

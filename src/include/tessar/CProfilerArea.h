@@ -16,7 +16,7 @@ namespace kestrix {
 
 /// One item of the profiler's "codeAreas" or "dataAreas" list: a function or a variable
 /// (with the value measured), and the expected limits of its times and hits.
-class CProfilerArea : public ITestParserEventReceiver {
+class CProfilerArea final : public ITestParserEventReceiver {
 public:
     static const char* const KEY_NAME;
     static const char* const KEY_VALUE;

@@ -102,6 +102,8 @@ private:
     /// The bool field of a key, or null.
     CYAMLBool* boolOf(const std::string& key);
     std::string stateError(const std::string& key) const;
+    /// What `serialize` writes.
+    void writeTo(IEmitter& emitter) const;
     static void replaceItems(CYAMLSequence& target, const std::string& text);
 
     ITestParserEventReceiver* m_parent;

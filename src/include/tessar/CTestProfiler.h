@@ -16,7 +16,7 @@ namespace kestrix {
 
 /// The "profiler" section of a test: whether and from where the profiler runs, where its
 /// results go, and the code and data areas it measures with their expected limits.
-class CTestProfiler : public ITestParserEventReceiver {
+class CTestProfiler final : public ITestParserEventReceiver {
 public:
     enum ERunMode { rmOff = 0, rmStart = 1 };
     /// Selects one of the two area lists.
@@ -99,6 +99,10 @@ private:
     const ProfilerAreasVector& areasOf(EAreaType type) const;
     static void checkIndex(const ProfilerAreasVector& areas, int index);
     static ProfilerAreasVector copyAreas(const ProfilerAreasVector& areas);
+    /// Refuses null items.
+    static void checkAreas(const ProfilerAreasVector& areas);
+    static void writeAreas(const std::shared_ptr<IEmitter>& emitter, const char* key, const CYAMLSequence& block,
+                           const ProfilerAreasVector& areas);
     ITestParserEventReceiver* startArea(ProfilerAreasVector& areas, const yaml_event_t& event);
     std::string sectionError(const std::string& key) const;
 

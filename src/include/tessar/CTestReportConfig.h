@@ -85,9 +85,12 @@ public:
 private:
     enum EState { BEFORE_MAPPING = 0, IN_MAPPING = 1 };
 
-    /// The scalar field (plain, enum or bool) of a key, or null.
-    const CYAMLScalar* fieldOf(const std::string& key) const;
+    /// Fills a field from the value's event; a field set before is refused.
+    template <typename T>
+    void assignOnce(T& field, const yaml_event_t& event) const;
     std::string stateError(const std::string& key) const;
+    /// What `serialize` writes.
+    void writeTo(IEmitter& emitter) const;
 
     ITestParserEventReceiver* m_parent;
     CYAMLMap m_main;
