@@ -13,7 +13,12 @@ const char* const CTestStub::KEY_SCRIPT = "script";
 
 CTestStub::CTestStub() : CTestStub(nullptr) {}
 
-CTestStub::CTestStub(ITestParserEventReceiver* parent) : m_script(this), m_parent(parent) {}
+// The function name is written even when empty, so it starts as an empty plain scalar, which
+// an emitter accepts (a scalar without implicit flags and tag would be refused).
+CTestStub::CTestStub(ITestParserEventReceiver* parent)
+    : m_functionName(std::string()), m_script(this), m_parent(parent)
+{
+}
 
 CTestStub::CTestStub(const CTestStub& other)
     : m_block(other.m_block),
@@ -91,8 +96,8 @@ ITestParserEventReceiver* CTestStub::sequenceStart(const yaml_event_t& event)
     }
     // A repeated "func" replaces both names.
     m_funcBlock = CYAMLSequence(event);
-    m_functionName = CYAMLScalar();
-    m_retValName = CYAMLScalar();
+    m_functionName = CYAMLScalar(std::string());
+    m_retValName = CYAMLScalar(std::string());
     m_state = S_FUNC_NAME;
     return this;
 }

@@ -4,6 +4,7 @@ public static class ManagedTestMain {
     ValuesTests.Run();
     YamlOutputTests.Run();
     YamlParseTests.Run();
+    SectionsTests.Run();
     return Check.Result("managed tests");
   }
 }

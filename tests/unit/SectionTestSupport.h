@@ -13,6 +13,22 @@
 #include "CYAMLUtil.h"
 #include "IEmitter.h"
 #include "ITestParserEventReceiver.h"
+// Helpers of the section tests: a small owner that hands keys to sections as a test
+// specification does, YAML text of what it holds, and parse failures split into message
+// and position.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "CStringStream.h"
+#include "CTestFunction.h"
+#include "CTestHIL.h"
+#include "CTestStub.h"
+#include "CYAMLEmitter.h"
+#include "CYAMLUtil.h"
 #include "ParserException.h"
 
 namespace kestrix_test {
@@ -91,6 +107,158 @@ inline ParseFailure parseFailure(SectionHost& host, const std::string& text)
     }
     ADD_FAILURE() << "no ParserException for: " << text;
     return ParseFailure{};
+using namespace kestrix;
+
+/// A root mapping with the keys "func", "script" (functions), "hil", and "stubs" (a list of
+/// stub mappings). Writes the sections it holds in that order.
+class SectionHost : public ITestParserEventReceiver {
+public:
+    CTestFunction func{this};
+    CTestFunction script{this};
+    CTestHIL hil{this};
+    StubsVector stubs;
+
+    ITestParserEventReceiver* mappingStart(const yaml_event_t& event) override
+    {
+        if (!m_inStubs) {
+            return this;
+        }
+        stubs.push_back(std::make_shared<CTestStub>(this));
+        return stubs.back()->mappingStart(event);
+    }
+    ITestParserEventReceiver* mappingKey(const yaml_event_t& event) override
+    {
+        m_key = CYAMLScalar(event).getValue();
+        if (m_key == "func") {
+            return &func;
+        }
+        if (m_key == "script") {
+            return &script;
+        }
+        if (m_key == "hil") {
+            return &hil;
+        }
+        if (m_key == "stubs") {
+            return this;
+        }
+        throw ParserException(KX_POS, "test host: unknown key ", m_key);
+    }
+    ITestParserEventReceiver* mappingValue(const yaml_event_t&) override
+    {
+        throw ParserException(KX_POS, "test host: scalar value");
+    }
+    ITestParserEventReceiver* mappingEnd() override { return nullptr; }
+    ITestParserEventReceiver* sequenceStart(const yaml_event_t&) override
+    {
+        if (m_key != "stubs" || m_inStubs) {
+            throw ParserException(KX_POS, "test host: sequence");
+        }
+        m_inStubs = true;
+        return this;
+    }
+    ITestParserEventReceiver* sequenceValue(const yaml_event_t&) override
+    {
+        throw ParserException(KX_POS, "test host: sequence value");
+    }
+    ITestParserEventReceiver* sequenceEnd() override
+    {
+        m_inStubs = false;
+        return this;
+    }
+    void serialize(std::shared_ptr<IEmitter> emitter) override
+    {
+        emitter->mapStart();
+        if (!func.isEmpty()) {
+            emitter->write("func");
+            func.serialize(emitter);
+        }
+        if (!script.isEmpty()) {
+            emitter->write("script");
+            script.serialize(emitter);
+        }
+        if (!stubs.empty()) {
+            emitter->write("stubs");
+            emitter->sequenceStart();
+            for (const auto& stub : stubs) {
+                stub->serialize(emitter);
+            }
+            emitter->sequenceEnd();
+        }
+        if (!hil.isEmpty()) {
+            emitter->write("hil");
+            hil.serialize(emitter);
+        }
+        emitter->mapEnd();
+    }
+
+private:
+    std::string m_key;
+    bool m_inStubs = false;
+};
+
+/// The YAML text of one object as the root of a document.
+inline std::string toYaml(ITestParserEventReceiver& root)
+{
+    auto stream = std::make_shared<CStringStream>();
+    auto emitter = std::make_shared<CYAMLEmitter>(stream);
+    emitter->startStream();
+    emitter->startDocument(true);
+    root.serialize(emitter);
+    emitter->endDocument(true);
+    emitter->endStream();
+    return stream->getString();
+}
+
+/// Reads `text` into a new host.
+inline std::unique_ptr<SectionHost> parsed(const std::string& text)
+{
+    auto host = std::make_unique<SectionHost>();
+    CYAMLUtil::parseYAML(*host, text);
+    return host;
+}
+
+/// What a refused parse reports: the section's message and the position text.
+struct ParseFailure {
+    std::string message;
+    std::string position;
+};
+
+/// Runs `action`, which must throw a ParserException.
+inline ParseFailure failureOf(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const ParserException& e) {
+        // A parse error carries the section's message behind "Error: " and the place.
+        const std::string& data = e.getData();
+        size_t start = data.find("Error: ");
+        if (start == std::string::npos) {
+            return {e.getDesc(), ""};
+        }
+        size_t pos = data.find("[Line: ");
+        return {data.substr(start + 7, data.find("  [/", start) - start - 7),
+                pos == std::string::npos ? "" : data.substr(pos, data.find(']', pos) + 1 - pos)};
+    } catch (const std::exception& e) {
+        return {std::string("wrong exception: ") + e.what(), ""};
+    }
+    return {"no exception", ""};
+}
+
+inline ParseFailure parseFailure(ITestParserEventReceiver& receiver, const std::string& text)
+{
+    return failureOf([&] { CYAMLUtil::parseYAML(receiver, text); });
+}
+
+inline ParseFailure parseFailure(const std::string& text)
+{
+    SectionHost host;
+    return parseFailure(host, text);
+}
+
+/// The message of a refused setter.
+inline std::string refusal(const std::function<void()>& action)
+{
+    return failureOf(action).message;
 }
 
 } // namespace kestrix_test

@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+
+#include "SectionTestSupport.h"
+
+using namespace kestrix;
+using namespace kestrix_test;
+
+namespace {
+
+const char* const FULL_STUB = "stubs:\n"
+                              "- func: [read_sensor, srv]\n"
+                              "  params: [p1, \"p2\"]\n"
+                              "  assign:\n"
+                              "    srv: 42\n"
+                              "    g_calls: g_calls + 1\n"
+                              "    \"s\": 'c'\n"
+                              "  script: [on_stub, [p1], r]\n";
+
+TEST(CTestStub, ReadsAllKeysAndWritesThemBackInOrder)
+{
+    auto host = parsed(FULL_STUB);
+    ASSERT_EQ(1u, host->stubs.size());
+    const CTestStub& stub = *host->stubs[0];
+    EXPECT_EQ("read_sensor", stub.getFunctionName());
+    EXPECT_EQ("srv", stub.getRetValName());
+    StrVector names;
+    stub.getParamNames(names);
+    EXPECT_EQ((StrVector{"p1", "\"p2\""}), names);
+    EXPECT_EQ((StrVector{"srv", "g_calls", "\"s\""}), stub.getAssignmentKeys());
+    StrVector values;
+    stub.getAssignmentValues(values);
+    EXPECT_EQ((StrVector{"42", "g_calls + 1", "'c'"}), values);
+    EXPECT_EQ("on_stub", stub.getScriptFunction().getName());
+    EXPECT_EQ("r", stub.getScriptFunction().getRetValueName());
+    EXPECT_EQ(FULL_STUB, toYaml(*host));
+}
+
+TEST(CTestStub, KeysInAnyOrderAreWrittenInTheFixedOrder)
+{
+    auto host = parsed("stubs:\n"
+                       "- script: [s]\n"
+                       "  assign: {a: 1}\n"
+                       "  params: [x]\n"
+                       "  func: [f]\n"
+                       "- func:\n"
+                       "  - g\n"
+                       "  - rv\n");
+    EXPECT_EQ("stubs:\n"
+              "- func: [f]\n"
+              "  params: [x]\n"
+              "  assign: {a: 1}\n"
+              "  script: [s]\n"
+              "- func:\n"
+              "  - g\n"
+              "  - rv\n",
+              toYaml(*host));
+}
+
+TEST(CTestStub, StubWithoutFuncStillWritesTheFuncList)
+{
+    auto host = parsed("stubs:\n- params: [a]\n");
+    const std::string written = toYaml(*host);
+    EXPECT_EQ("stubs:\n- func:\n  -\n  params: [a]\n", written);
+    EXPECT_EQ("", parsed(written)->stubs[0]->getFunctionName());
+}
+
+TEST(CTestStub, RepeatedKeysReplaceWhatWasRead)
+{
+    auto host = parsed("stubs:\n"
+                       "- func: [a, b]\n"
+                       "  params: [x, y]\n"
+                       "  assign: {v: 1, w: 2}\n"
+                       "  func: [c]\n"
+                       "  params: [z]\n"
+                       "  assign: {u: 3}\n");
+    EXPECT_EQ("stubs:\n- func: [c]\n  params: [z]\n  assign: {u: 3}\n", toYaml(*host));
+}
+
+struct Refusal {
+    const char* text;
+    const char* message;
+    int line;
+};
+
+class CTestStubRefusals : public ::testing::TestWithParam<Refusal> {};
+
+TEST_P(CTestStubRefusals, NamesTheFaultAndItsPlace)
+{
+    const Refusal& refusal = GetParam();
+    ParseFailure failure = parseFailure(refusal.text);
+    EXPECT_EQ(refusal.message, failure.message);
+    EXPECT_EQ(0u, failure.position.find("[Line: " + std::to_string(refusal.line) + "  Col: ")) << failure.position;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Refusals, CTestStubRefusals,
+    ::testing::Values(
+        Refusal{"stubs:\n- func: [a, b, c]\n",
+                "At most two scalars are allowed for stub function section: 'func. name' and 'retValName'", 2},
+        Refusal{"stubs:\n- func: x\n", "Scalar value not allowed for stub section: func", 3},
+        Refusal{"stubs:\n- func: [f]\n  other: 1\n", "Invalid item defined in stub: other", 3},
+        Refusal{"stubs:\n- func: {a: 1}\n", "Mapping not allowed at that point!", 2},
+        Refusal{"stubs:\n- func: [a, [b]]\n", "Sequence not allowed for stub item: 'func'", 2},
+        Refusal{"stubs:\n- ? [a]\n  : b\n", "Sequence not allowed for stub item: ''", 3},
+        Refusal{"stubs:\n- params: {a: 1}\n", "Sequence of scalars expected, found mapping start!", 2},
+        Refusal{"stubs:\n- assign: [a]\n", "No sequences allowed inside mapping!", 2},
+        Refusal{"stubs:\n- assign: {a: 1, a: 2}\n", "Duplicate keys are not allowed in map: a", 2},
+        Refusal{"stubs:\n- script: f\n",
+                "Function call specification should be described as a list: '[funcName, ...]'! "
+                "Given as scalar: 'f'",
+                3},
+        Refusal{"stubs:\n- script: [f]\n  script: [g]\n",
+                "Invalid specification for function call! Unexpected sequence start!", 3}));
+
+TEST(CTestStub, MappingEndReturnsToTheParent)
+{
+    SectionHost host;
+    CTestStub stub(&host);
+    CYAMLUtil::parseYAML(stub, "{func: [f], params: [a]}");
+    EXPECT_EQ("f", stub.getFunctionName());
+    // The stub's block has ended: a second mapping is refused.
+    EXPECT_EQ("Mapping not allowed at that point!", parseFailure(stub, "{func: [g]}").message);
+}
+
+TEST(CTestStub, CopyIsDeepAndOwnsItsScript)
+{
+    auto host = parsed(FULL_STUB);
+    const CTestStub& original = *host->stubs[0];
+    CTestStub copy(original);
+    EXPECT_EQ(&copy, copy.getScriptFunction().getParent());
+    EXPECT_EQ(host.get(), copy.getParent());
+
+    copy.setAssignments("{x: 0}");
+    copy.setParamNames("[q]");
+    copy.getScriptFunction().setName("other");
+    copy.setFunctionName("g");
+    EXPECT_EQ(FULL_STUB, toYaml(*host));
+    EXPECT_EQ("func: [g, srv]\nparams: [q]\nassign:\n  x: 0\nscript: [other, [p1], r]\n", toYaml(copy));
+}
+
+TEST(CTestStub, SettersParseYamlTextAndKeepBlockStyles)
+{
+    auto host = parsed(FULL_STUB);
+    CTestStub& stub = *host->stubs[0];
+    stub.setFunctionName("\"f g\"");
+    stub.setRetValName("");
+    stub.setParamNames("[a, 'b']");
+    stub.setAssignments("{k: \"v\", j: 2}");
+    EXPECT_EQ("stubs:\n"
+              "- func: [\"f g\"]\n"
+              "  params: [a, 'b']\n"
+              "  assign:\n"
+              "    k: \"v\"\n"
+              "    j: 2\n"
+              "  script: [on_stub, [p1], r]\n",
+              toYaml(*host));
+
+    stub.setAssignments("");
+    stub.setParamNames("[]");
+    EXPECT_TRUE(stub.getAssignmentKeys().empty());
+    EXPECT_EQ("stubs:\n- func: [\"f g\"]\n  script: [on_stub, [p1], r]\n", toYaml(*host));
+}
+
+TEST(CTestStub, FailedSetterLeavesTheFieldAsItWas)
+{
+    auto host = parsed(FULL_STUB);
+    CTestStub& stub = *host->stubs[0];
+    EXPECT_EQ("Scalar consists of multiple items. Use quotes to make it a single scalar!",
+              refusal([&] { stub.setFunctionName("a, b"); }));
+    EXPECT_EQ("Duplicate keys are not allowed in map: a", refusal([&] { stub.setAssignments("{a: 1, a: 2}"); }));
+    EXPECT_EQ("Nested sequences are not allowed!", refusal([&] { stub.setParamNames("[a, [b]]"); }));
+    EXPECT_EQ(FULL_STUB, toYaml(*host));
+}
+
+TEST(CTestStub, NewStubWritesOnlyAnEmptyFuncList)
+{
+    CTestStub stub;
+    EXPECT_EQ("func:\n-\n", toYaml(stub));
+    StrVector values;
+    stub.getAssignmentValues(values);
+    EXPECT_TRUE(values.empty());
+    EXPECT_TRUE(stub.getScriptFunction().isEmpty());
+}
+
+} // namespace
