@@ -16,11 +16,19 @@
 // Helpers of the section tests: a small owner that hands keys to sections as a test
 // specification does, YAML text of what it holds, and parse failures split into message
 // and position.
+// Helpers of the section tests, shared by the function/stub/HIL tests and the analyzer
+// section tests: a root mapping that hands keys to sections, YAML text of what it holds, and
+// parse failures split into message and position (or kept whole).
+//
+// A default SectionHost acts as a small test specification with the keys "func", "script",
+// "hil" and "stubs"; a SectionHost made with a key hands each occurrence of that key to the
+// section given by `setSection` and refuses everything else.
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "CStringStream.h"
@@ -29,6 +37,8 @@
 #include "CTestStub.h"
 #include "CYAMLEmitter.h"
 #include "CYAMLUtil.h"
+#include "IEmitter.h"
+#include "ITestParserEventReceiver.h"
 #include "ParserException.h"
 
 namespace kestrix_test {
@@ -109,8 +119,6 @@ inline ParseFailure parseFailure(SectionHost& host, const std::string& text)
     return ParseFailure{};
 using namespace kestrix;
 
-/// A root mapping with the keys "func", "script" (functions), "hil", and "stubs" (a list of
-/// stub mappings). Writes the sections it holds in that order.
 class SectionHost : public ITestParserEventReceiver {
 public:
     CTestFunction func{this};
@@ -118,8 +126,20 @@ public:
     CTestHIL hil{this};
     StubsVector stubs;
 
+    SectionHost() = default;
+    explicit SectionHost(const std::string& key) : m_hostKey(key) {}
+
+    void setSection(ITestParserEventReceiver* section) { m_section = section; }
+
     ITestParserEventReceiver* mappingStart(const yaml_event_t& event) override
     {
+        if (!m_hostKey.empty()) {
+            if (m_isOpen) {
+                throw ParserException(KX_POS, "host: nested mapping");
+            }
+            m_isOpen = true;
+            return this;
+        }
         if (!m_inStubs) {
             return this;
         }
@@ -129,6 +149,12 @@ public:
     ITestParserEventReceiver* mappingKey(const yaml_event_t& event) override
     {
         m_key = CYAMLScalar(event).getValue();
+        if (!m_hostKey.empty()) {
+            if (m_key != m_hostKey) {
+                throw ParserException(KX_POS, "host: unknown key " + m_key);
+            }
+            return m_section;
+        }
         if (m_key == "func") {
             return &func;
         }
@@ -150,7 +176,7 @@ public:
     ITestParserEventReceiver* mappingEnd() override { return nullptr; }
     ITestParserEventReceiver* sequenceStart(const yaml_event_t&) override
     {
-        if (m_key != "stubs" || m_inStubs) {
+        if (!m_hostKey.empty() || m_key != "stubs" || m_inStubs) {
             throw ParserException(KX_POS, "test host: sequence");
         }
         m_inStubs = true;
@@ -162,6 +188,9 @@ public:
     }
     ITestParserEventReceiver* sequenceEnd() override
     {
+        if (!m_hostKey.empty()) {
+            throw ParserException(KX_POS, "host: unexpected");
+        }
         m_inStubs = false;
         return this;
     }
@@ -192,6 +221,9 @@ public:
     }
 
 private:
+    std::string m_hostKey;
+    ITestParserEventReceiver* m_section = nullptr;
+    bool m_isOpen = false;
     std::string m_key;
     bool m_inStubs = false;
 };
@@ -209,6 +241,24 @@ inline std::string toYaml(ITestParserEventReceiver& root)
     return stream->getString();
 }
 
+/// The YAML document of a root mapping with `key` and what `section` writes as its value.
+inline std::string written(const std::string& key, ITestParserEventReceiver& section)
+{
+    std::ostringstream out;
+    {
+        auto emitter = std::make_shared<CYAMLEmitter>(&out);
+        emitter->startStream();
+        emitter->startDocument(true);
+        emitter->mapStart();
+        emitter->write(key);
+        section.serialize(emitter);
+        emitter->mapEnd();
+        emitter->endDocument(true);
+        emitter->endStream();
+    }
+    return out.str();
+}
+
 /// Reads `text` into a new host.
 inline std::unique_ptr<SectionHost> parsed(const std::string& text)
 {
@@ -217,10 +267,14 @@ inline std::unique_ptr<SectionHost> parsed(const std::string& text)
     return host;
 }
 
-/// What a refused parse reports: the section's message and the position text.
+/// What a refused parse reports: the section's message and the position text, and the
+/// exception's description and data lines whole.
 struct ParseFailure {
     std::string message;
     std::string position;
+    std::string desc;
+    std::string context;
+    bool has(const std::string& part) const { return context.find(part) != std::string::npos; }
 };
 
 /// Runs `action`, which must throw a ParserException.
@@ -233,15 +287,16 @@ inline ParseFailure failureOf(const std::function<void()>& action)
         const std::string& data = e.getData();
         size_t start = data.find("Error: ");
         if (start == std::string::npos) {
-            return {e.getDesc(), ""};
+            return {e.getDesc(), "", e.getDesc(), data};
         }
         size_t pos = data.find("[Line: ");
         return {data.substr(start + 7, data.find("  [/", start) - start - 7),
-                pos == std::string::npos ? "" : data.substr(pos, data.find(']', pos) + 1 - pos)};
+                pos == std::string::npos ? "" : data.substr(pos, data.find(']', pos) + 1 - pos), e.getDesc(),
+                data};
     } catch (const std::exception& e) {
-        return {std::string("wrong exception: ") + e.what(), ""};
+        return {std::string("wrong exception: ") + e.what(), "", "", ""};
     }
-    return {"no exception", ""};
+    return {"no exception", "", "", ""};
 }
 
 inline ParseFailure parseFailure(ITestParserEventReceiver& receiver, const std::string& text)
@@ -259,6 +314,20 @@ inline ParseFailure parseFailure(const std::string& text)
 inline std::string refusal(const std::function<void()>& action)
 {
     return failureOf(action).message;
+}
+
+/// Runs `action`, which must throw `Ex`; gives its description and data lines.
+template <typename Ex, typename Action>
+std::string thrown(Action action)
+{
+    try {
+        action();
+    } catch (const Ex& e) {
+        return e.getDesc() + "\n" + e.getData();
+    } catch (const std::exception& e) {
+        return std::string("wrong exception: ") + e.what();
+    }
+    return "no exception";
 }
 
 } // namespace kestrix_test
