@@ -22,9 +22,6 @@
 %include "Sections.i"
 %include "ProfilerSection.i"
 %include "Config.i"
-%include "Sections.i"
-%include "Sections.i"
-%include "AnalyzerSections.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"
