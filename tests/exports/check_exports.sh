@@ -19,6 +19,8 @@ finished=(
   CYAMLUtil
   CTestFunction CTestStub CTestHIL StubsVector
   MinMaxLimits CProfilerArea CTestProfiler CTestEnvironmentConfig CTestReportConfig
+  CCoverageTestExpected CCoverageTestResult CProfilerTestResult CTestResult
+  ProfilerTestResultsVector StrCoverageTestResultsMap StrProfilerTestResultsMap StrProfilerTestResultsVectorMap
 )
 # Free functions and registration exports, named whole.
 finished_names=(

@@ -1,0 +1,28 @@
+// Judged results of a test and their list and map families.
+
+%{
+#include "CCoverageTestExpected.h"
+#include "CCoverageTestResult.h"
+#include "CProfilerTestResult.h"
+#include "CTestResult.h"
+#include "CTestReportConfig.h"
+#include "CTestSpecification.h"
+%}
+
+// Declared here too, so that this file stands before or after the specification's own binding.
+%shared_ptr(kestrix::CTestSpecification)
+%shared_ptr(kestrix::CTestReportConfig)
+
+// Helpers of the library's own writers.
+%ignore kestrix::CProfilerTestResult::statusToString;
+%ignore kestrix::CTestResult::REPORT_VERSION;
+
+%include "CCoverageTestExpected.h"
+%include "CCoverageTestResult.h"
+%include "CProfilerTestResult.h"
+%include "CTestResult.h"
+
+%template(ProfilerTestResultsVector) std::vector<kestrix::CProfilerTestResult>;
+%template(StrCoverageTestResultsMap) std::map<std::string, kestrix::CCoverageTestResult>;
+%template(StrProfilerTestResultsMap) std::map<std::string, kestrix::CProfilerTestResult>;
+%template(StrProfilerTestResultsVectorMap) std::map<std::string, std::vector<kestrix::CProfilerTestResult> >;
