@@ -30,11 +30,13 @@ std::string scalarText(const yaml_event_t& event)
     return std::string(reinterpret_cast<const char*>(event.data.scalar.value), event.data.scalar.length);
 }
 
+} // namespace
+
 /// Reads the list of script modules. A scalar in place of the list comes back to the section,
 /// which answers it with its own message.
-class ScriptModulesReceiver : public CYAMLSequenceReceiver {
+class CTestEnvironmentConfig::ScriptModulesReceiver final : public CYAMLSequenceReceiver {
 public:
-    ScriptModulesReceiver(ITestParserEventReceiver* section, CYAMLSequence* modules)
+    ScriptModulesReceiver(CTestEnvironmentConfig* section, CYAMLSequence* modules)
         : CYAMLSequenceReceiver(section, modules), m_section(section)
     {
     }
@@ -45,10 +47,8 @@ public:
     }
 
 private:
-    ITestParserEventReceiver* m_section;
+    CTestEnvironmentConfig* m_section;
 };
-
-} // namespace
 
 CTestEnvironmentConfig::CTestEnvironmentConfig(ITestParserEventReceiver* parent) : m_parent(parent) {}
 

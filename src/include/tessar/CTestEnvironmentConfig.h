@@ -97,6 +97,9 @@ public:
 private:
     enum EState { BEFORE_MAPPING = 0, IN_MAPPING = 1 };
 
+    /// The receiver of "scriptModules", which hands a scalar in place of the list back here.
+    class ScriptModulesReceiver;
+
     /// The scalar field of a key, or null.
     CYAMLScalar* scalarOf(const std::string& key);
     /// The bool field of a key, or null.
@@ -107,7 +110,7 @@ private:
     static void replaceItems(CYAMLSequence& target, const std::string& text);
 
     ITestParserEventReceiver* m_parent;
-    std::unique_ptr<CYAMLSequenceReceiver> m_sequenceReceiver;
+    std::unique_ptr<ScriptModulesReceiver> m_sequenceReceiver;
     CYAMLMap m_main;
     CYAMLScalar m_workspace;
     CYAMLScalar m_address;
