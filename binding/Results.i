@@ -9,9 +9,8 @@
 #include "CTestSpecification.h"
 %}
 
-// Declared here too, so that this file stands before or after the specification's own binding.
-%shared_ptr(kestrix::CTestSpecification)
-%shared_ptr(kestrix::CTestReportConfig)
+// Comes after the bindings of the specification and the report configuration, whose
+// shared-pointer declarations it relies on.
 
 // Helpers of the library's own writers.
 %ignore kestrix::CProfilerTestResult::statusToString;

@@ -22,6 +22,7 @@
 %include "Sections.i"
 %include "ProfilerSection.i"
 %include "Config.i"
+%include "TestSpec.i"
 %include "Results.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.

@@ -1,42 +1,221 @@
-// The command-line runner: calls the library only through the generated C# proxies.
+// The command-line runner: reads test files through the generated C# proxies and shows each
+// test in the flat form that a test run executes.
+//
+//   OrbelRun [FILE...] [--save OUT]   without FILE: the files in examples/
+//   OrbelRun --self-check             a short round through the binding
 using System;
+using System.Collections.Generic;
+using System.IO;
+using System.Linq;
+using System.Text.RegularExpressions;
 
 public static class OrbelRun {
   public static int Main(string[] args) {
     Console.WriteLine("OrbelCS " + kestrixOrbel.getModuleVersion());
-    return SelfCheck() ? 0 : 1;
-  }
-
-  // A short round through the binding: conversions, containers, streams and one error.
-  static bool SelfCheck() {
-    bool ok = true;
-    ok &= Report("number conversion", CUtil.aOrHex2l("0x2A") == 42 && CUtil.i2h(-1) == "ffffffff");
-
-    StrVector parts = new StrVector();
-    CUtil.split("alpha,beta,gamma", ',', parts);
-    ok &= Report("text split", parts.Count == 3 && parts[2] == "gamma");
-
-    StrStrMap vars = new StrStrMap();
-    vars["target"] = "cortex-m";
-    ok &= Report("variable substitution", CUtil.substVars("board: ${target}", vars) == "board: cortex-m");
-
-    CStringStream stream = new CStringStream();
-    stream.write("written through IStream");
-    ok &= Report("string stream", stream.getString() == "written through IStream");
-
-    try {
-      CUtil.a2l("12 ");
-      ok &= Report("library error reaches the caller", false);
-    } catch (ApplicationException e) {
-      Console.WriteLine("  error text: " + e.Message);
-      ok &= Report("library error reaches the caller", e.Message.StartsWith("Integer expected: 12 "));
+    if (args.Contains("--self-check")) {
+      return SelfCheck.Run() ? 0 : 1;
     }
-    Console.WriteLine(ok ? "self-check passed" : "self-check FAILED");
-    return ok;
+    var files = new List<string>();
+    string saveTo = null;
+    for (int i = 0; i < args.Length; i++) {
+      if (args[i] == "--save" && i + 1 < args.Length) {
+        saveTo = args[++i];
+      } else if (args[i].StartsWith("-")) {
+        return Usage("unknown option " + args[i]);
+      } else {
+        files.Add(args[i]);
+      }
+    }
+    if (files.Count == 0) {
+      files.AddRange(Directory.GetFiles("examples", "*.yaml").OrderBy(f => f));
+    }
+    if (saveTo != null && files.Count != 1) {
+      return Usage("--save needs exactly one test file");
+    }
+
+    int failed = 0;
+    foreach (string file in files) {
+      CTestBench bench = Load(file);
+      if (bench == null) {
+        failed++;
+        continue;
+      }
+      Show(file, bench);
+      if (saveTo != null) {
+        bench.save(saveTo);
+        Console.WriteLine("saved to " + saveTo);
+      }
+    }
+    return failed == 0 ? 0 : 1;
   }
 
-  static bool Report(string what, bool passed) {
-    Console.WriteLine((passed ? "  ok    " : "  FAIL  ") + what);
-    return passed;
+  static int Usage(string problem) {
+    Console.Error.WriteLine(problem);
+    Console.Error.WriteLine("usage: run [FILE...] [--save OUT] | run --self-check");
+    return 2;
+  }
+
+  // The bench of a file, or null after printing the library's message (position and excerpt).
+  static CTestBench Load(string file) {
+    if (!File.Exists(file)) {
+      Console.Error.WriteLine(file + ": no such file");
+      return null;
+    }
+    try {
+      return CTestBench.load(file);
+    } catch (Exception e) {
+      Console.Error.WriteLine(file + ": the test file is refused");
+      Console.Error.WriteLine(e.Message);
+      ShowExcerpt(file, e.Message);
+      return null;
+    }
+  }
+
+  // The lines of the file up to the position that the message names, with a caret under it.
+  static void ShowExcerpt(string file, string message) {
+    Match at = Regex.Match(message, @"\[Line: (\d+)  Col: (\d+)\]");
+    if (!at.Success) {
+      return;
+    }
+    int line = int.Parse(at.Groups[1].Value);
+    int column = int.Parse(at.Groups[2].Value);
+    string[] lines = File.ReadAllLines(file);
+    for (int n = Math.Max(1, line - 2); n <= Math.Min(line, lines.Length); n++) {
+      Console.Error.WriteLine(n.ToString().PadLeft(5) + " | " + lines[n - 1]);
+    }
+    Console.Error.WriteLine(new string(' ', 8 + column) + "^");
+  }
+
+  static void Show(string file, CTestBench bench) {
+    CTestEnvironmentConfig env = bench.getTestEnvironmentConfig();
+    CTestReportConfig report = bench.getTestReportConfig();
+    Console.WriteLine();
+    Console.WriteLine("== " + file);
+    if (!env.isEmpty()) {
+      Console.WriteLine("workspace: " + env.getWorkspace() + ", default return value: " + env.getDefaultReturnValueName());
+    }
+    if (!report.isEmpty()) {
+      bool isYaml = report.getOutputFormat() == CTestReportConfig.EOutputFormat.ofYaml;
+      bool isFull = report.getReportContents() == CTestReportConfig.EReportContents.rcFull;
+      Console.WriteLine("report: " + report.getFileName() + " (" + (isYaml ? "yaml" : "xml") + ", " +
+                        (isFull ? "full" : "errors only") + ")");
+    }
+    CTestSpecification root = bench.getTestSpecification();
+    int shown = ShowTree(root, "", root.isEmptyExceptDerived());
+    Console.WriteLine(shown + " tests, " + CountEnabled(root) + " enabled");
+  }
+
+  // Shows a test and its derived ones; the bench's own root is shown only when it states something.
+  static int ShowTree(CTestSpecification spec, string path, bool isHiddenRoot) {
+    int count = 0;
+    if (!isHiddenRoot) {
+      ShowTest(spec, path);
+      count++;
+    }
+    for (int i = 0; i < spec.getNoOfDerivedSpecs(); i++) {
+      string childPath = path.Length == 0 ? (i + 1).ToString() : path + "." + (i + 1);
+      count += ShowTree(spec.getDerivedTestSpec(i), childPath, false);
+    }
+    return count;
+  }
+
+  static int CountEnabled(CTestSpecification root) {
+    int count = root.getNoOfTests(true);
+    return root.isEmptyExceptDerived() ? count - 1 : count;
+  }
+
+  static void ShowTest(CTestSpecification spec, string path) {
+    CTestSpecification flat = spec.merge();
+    string id = flat.getTestId().Length > 0 ? flat.getTestId() : "(no id)";
+    Console.WriteLine("[" + path + "] " + id + (spec.getRunFlag() ? "" : "   (disabled)"));
+    Line("function", Call(flat.getFunctionUnderTest(), Params(flat)));
+    Line("init func", Call(flat.getInitFunction(), null));
+    Line("end func", Call(flat.getEndFunction(), null));
+    Line("locals", Pairs(MapOf(flat, (s, v) => s.getLocalVariables(v))));
+    Line("init", Join(flat.getInitKeys(), Values((s, v) => s.getInitValues(v), flat), " = "));
+    Line("options", Join(flat.getOptionKeys(), Values((s, v) => s.getOptionValues(v), flat), " = "));
+    Line("stubs", string.Join("; ", flat.getStubs().Select(Stub)));
+    Line("expect", string.Join("; ", Values((s, v) => s.getExpectedResults(v, false), flat)));
+    Line("analyzers", Analyzers(flat));
+  }
+
+  static void Line(string label, string text) {
+    if (!string.IsNullOrEmpty(text)) {
+      Console.WriteLine("      " + label.PadRight(10) + ": " + text);
+    }
+  }
+
+  static StrVector Params(CTestSpecification flat) {
+    var parameters = new StrVector();
+    flat.getPositionParams(parameters);
+    return parameters;
+  }
+
+  // "rv = f(a, b)"; the function's own parameters when `parameters` is null.
+  static string Call(CTestFunction function, StrVector parameters) {
+    if (function.isEmpty()) {
+      return "";
+    }
+    if (parameters == null) {
+      parameters = new StrVector();
+      function.getPositionParams(parameters);
+    }
+    string ret = function.getRetValueName();
+    return (ret.Length > 0 ? ret + " = " : "") + function.getName() + "(" + string.Join(", ", parameters) + ")";
+  }
+
+  static string Stub(CTestStub stub) {
+    var assigned = new StrVector();
+    stub.getAssignmentValues(assigned);
+    string text = stub.getFunctionName();
+    string ret = stub.getRetValName();
+    if (ret.Length > 0) {
+      text += " -> " + ret;
+    }
+    string assignments = Join(stub.getAssignmentKeys(), assigned, " = ");
+    return assignments.Length > 0 ? text + " {" + assignments + "}" : text;
+  }
+
+  static string Analyzers(CTestSpecification flat) {
+    var used = new List<string>();
+    if (!flat.getTrace().isEmpty() && flat.getTrace().getRunMode() != CTestTrace.ERunMode.rmOff) {
+      used.Add("trace " + flat.getTrace().getDocumentFileName());
+    }
+    if (!flat.getCoverage().isEmpty() && flat.getCoverage().getRunMode() != CTestCoverage.ERunMode.rmOff) {
+      used.Add("coverage " + flat.getCoverage().getDocumentFileName());
+    }
+    if (!flat.getProfiler().isEmpty() && flat.getProfiler().getRunMode() != CTestProfiler.ERunMode.rmOff) {
+      used.Add("profiler " + flat.getProfiler().getOutputFileName());
+    }
+    if (!flat.getHIL().isEmpty()) {
+      used.Add("hil " + Join(flat.getHIL().getHILParamKeys(), HilValues(flat.getHIL()), " = "));
+    }
+    return string.Join(", ", used);
+  }
+
+  static StrVector HilValues(CTestHIL hil) {
+    var values = new StrVector();
+    hil.getHILParamValues(values);
+    return values;
+  }
+
+  static StrVector Values(Action<CTestSpecification, StrVector> get, CTestSpecification spec) {
+    var values = new StrVector();
+    get(spec, values);
+    return values;
+  }
+
+  static StrStrMap MapOf(CTestSpecification spec, Action<CTestSpecification, StrStrMap> get) {
+    var map = new StrStrMap();
+    get(spec, map);
+    return map;
+  }
+
+  static string Pairs(StrStrMap map) {
+    return string.Join("; ", map.Keys.Select(k => k + ": " + map[k]));
+  }
+
+  static string Join(StrVector keys, StrVector values, string separator) {
+    return string.Join("; ", keys.Zip(values, (k, v) => k + separator + v));
   }
 }

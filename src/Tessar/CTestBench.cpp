@@ -9,10 +9,6 @@ namespace kestrix {
 
 namespace {
 
-const char* const KEY_ENV = "env";
-const char* const KEY_REPORT_CONFIG = "reportConfig";
-const char* const KEY_TESTS = "tests";
-
 ParserException sectionAlreadyDefined(const char* section)
 {
     return ParserException(KX_POS, "Section is already defined!").add("section", section);

@@ -15,32 +15,31 @@ namespace kestrix {
 
 namespace {
 
-const char* const KEY_ID = "id";
-const char* const KEY_RUN = "run";
-const char* const KEY_DESC = "desc";
-const char* const KEY_TAGS = "tags";
-const char* const KEY_OPTIONS = "options";
-const char* const KEY_LOCALS = "locals";
-const char* const KEY_INIT = "init";
-const char* const KEY_FUNC = "func";
-const char* const KEY_PARAMS = "params";
-const char* const KEY_STUBS = "stubs";
-const char* const KEY_INIT_FUNC = "initFunc";
-const char* const KEY_END_FUNC = "endFunc";
-const char* const KEY_EXPECT = "expect";
-const char* const KEY_TRACE = "trace";
-const char* const KEY_COVERAGE = "coverage";
-const char* const KEY_PROFILER = "profiler";
-const char* const KEY_HIL = "hil";
-const char* const KEY_TESTS = "tests";
-
+// Names of the section values, by value.
 const char* const SECTION_NAMES[] = {
-    "E_SECTION_MAIN",     "E_SECTION_ID",        "E_SECTION_CONFIG",    "E_SECTION_RUN",
-    "E_SECTION_DESC",     "E_SECTION_TAGS",      "E_SECTION_OPTIONS",   "E_SECTION_INITFUNC",
-    "E_SECTION_ENDFUNC",  "E_SECTION_LOCALS",    "E_SECTION_INIT",      "E_SECTION_STUBS",
-    "E_SECTION_STUB_ITEM", "E_SECTION_FUNC",     "E_SECTION_PARAMS",    "E_SECTION_EXPECT",
-    "E_SECTION_TRACE",    "E_SECTION_COVERAGE",  "E_SECTION_PROFILER",  "E_SECTION_HIL",
-    "E_SECTION_DERIVED_TESTS", "E_SECTION_DERIVED_TEST_SPEC"};
+    "E_SECTION_MAIN",
+    "E_SECTION_ID",
+    "E_SECTION_CONFIG",
+    "E_SECTION_RUN",
+    "E_SECTION_DESC",
+    "E_SECTION_TAGS",
+    "E_SECTION_OPTIONS",
+    "E_SECTION_INITFUNC",
+    "E_SECTION_ENDFUNC",
+    "E_SECTION_LOCALS",
+    "E_SECTION_INIT",
+    "E_SECTION_STUBS",
+    "E_SECTION_STUB_ITEM",
+    "E_SECTION_FUNC",
+    "E_SECTION_PARAMS",
+    "E_SECTION_EXPECT",
+    "E_SECTION_TRACE",
+    "E_SECTION_COVERAGE",
+    "E_SECTION_PROFILER",
+    "E_SECTION_HIL",
+    "E_SECTION_DERIVED_TESTS",
+    "E_SECTION_DERIVED_TEST_SPEC",
+};
 
 const int NO_OF_SECTIONS = sizeof(SECTION_NAMES) / sizeof(SECTION_NAMES[0]);
 
@@ -69,18 +68,6 @@ void replaceEntries(CYAMLMap& target, const std::string& text)
         auto entry = parsed.find(keyText);
         target.add(entry->first, entry->second);
     }
-}
-
-/// The first level whose field is not empty, or null.
-template <typename Empty>
-const CTestSpecification* firstNonEmpty(const std::vector<const CTestSpecification*>& levels, Empty isEmpty)
-{
-    for (const CTestSpecification* level : levels) {
-        if (!isEmpty(*level)) {
-            return level;
-        }
-    }
-    return nullptr;
 }
 
 } // namespace
@@ -500,10 +487,9 @@ bool CTestSpecification::isEmpty() const
 
 // ---- merge
 
-std::vector<const CTestSpecification*> CTestSpecification::getLevels(
-    std::vector<CTestSpecificationSPtr>& holders) const
+CTestSpecification::Levels CTestSpecification::getLevels(std::vector<CTestSpecificationSPtr>& holders) const
 {
-    std::vector<const CTestSpecification*> levels{this};
+    Levels levels{this};
     for (auto parent = getParentTestSpecification(); parent; parent = parent->getParentTestSpecification()) {
         holders.push_back(parent);
         levels.push_back(parent.get());
@@ -511,55 +497,44 @@ std::vector<const CTestSpecification*> CTestSpecification::getLevels(
     return levels;
 }
 
+template <typename T>
+void CTestSpecification::inherit(const Levels& levels, T CTestSpecification::*field)
+{
+    for (const CTestSpecification* level : levels) {
+        if (!(level->*field).isEmpty()) {
+            this->*field = level->*field;
+            return;
+        }
+    }
+}
+
 std::shared_ptr<CTestSpecification> CTestSpecification::merge()
 {
     std::vector<CTestSpecificationSPtr> holders;
-    const auto levels = getLevels(holders);
+    const Levels levels = getLevels(holders);
     auto merged = std::make_shared<CTestSpecification>(weak_from_this());
 
     // Each field comes whole from the nearest level that states it; maps and lists of
-    // different levels are never combined.
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_id.isEmpty(); })) {
-        merged->m_id = p->m_id;
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_desc.isEmpty(); })) {
-        merged->m_desc = p->m_desc;
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_tags.isEmpty(); })) {
-        merged->m_tags = p->m_tags;
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_options.isEmpty(); })) {
-        merged->m_options = p->m_options;
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_locals.isEmpty(); })) {
-        merged->m_locals = p->m_locals;
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_init.isEmpty(); })) {
-        merged->m_init = p->m_init;
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_initFunc.isEmpty(); })) {
-        merged->m_initFunc = p->m_initFunc;
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_endFunc.isEmpty(); })) {
-        merged->m_endFunc = p->m_endFunc;
-    }
+    // different levels are never combined. Run flag, main block and derived tests stay empty.
+    merged->inherit(levels, &CTestSpecification::m_id);
+    merged->inherit(levels, &CTestSpecification::m_desc);
+    merged->inherit(levels, &CTestSpecification::m_tags);
+    merged->inherit(levels, &CTestSpecification::m_options);
+    merged->inherit(levels, &CTestSpecification::m_locals);
+    merged->inherit(levels, &CTestSpecification::m_init);
+    merged->inherit(levels, &CTestSpecification::m_initFunc);
+    merged->inherit(levels, &CTestSpecification::m_endFunc);
     merged->mergeFuncAndParams(levels);
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_stubs.empty(); })) {
-        merged->m_stubsBlock = p->m_stubsBlock;
-        for (const auto& stub : p->m_stubs) {
-            auto copy = std::make_shared<CTestStub>(*stub);
-            copy->setParent(merged.get());
-            merged->m_stubs.push_back(copy);
-        }
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_expect.isEmpty(); })) {
-        merged->m_expect = p->m_expect;
-    }
-    merged->mergeSections(levels);
+    merged->mergeStubs(levels);
+    merged->inherit(levels, &CTestSpecification::m_expect);
+    merged->inherit(levels, &CTestSpecification::m_trace);
+    merged->inherit(levels, &CTestSpecification::m_coverage);
+    merged->inherit(levels, &CTestSpecification::m_profiler);
+    merged->inherit(levels, &CTestSpecification::m_hil);
     return merged;
 }
 
-void CTestSpecification::mergeFuncAndParams(const std::vector<const CTestSpecification*>& levels)
+void CTestSpecification::mergeFuncAndParams(const Levels& levels)
 {
     // One walk, so that the nearer of "func" parameters and "params" wins.
     for (const CTestSpecification* level : levels) {
@@ -575,19 +550,18 @@ void CTestSpecification::mergeFuncAndParams(const std::vector<const CTestSpecifi
     }
 }
 
-void CTestSpecification::mergeSections(const std::vector<const CTestSpecification*>& levels)
+void CTestSpecification::mergeStubs(const Levels& levels)
 {
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_trace.isEmpty(); })) {
-        m_trace = p->m_trace;
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_coverage.isEmpty(); })) {
-        m_coverage = p->m_coverage;
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_profiler.isEmpty(); })) {
-        m_profiler = p->m_profiler;
-    }
-    if (auto p = firstNonEmpty(levels, [](const CTestSpecification& s) { return s.m_hil.isEmpty(); })) {
-        m_hil = p->m_hil;
+    for (const CTestSpecification* level : levels) {
+        if (!level->m_stubs.empty()) {
+            m_stubsBlock = level->m_stubsBlock;
+            for (const auto& stub : level->m_stubs) {
+                auto copy = std::make_shared<CTestStub>(*stub);
+                copy->setParent(this);
+                m_stubs.push_back(copy);
+            }
+            return;
+        }
     }
 }
 

@@ -19,6 +19,7 @@ finished=(
   CYAMLUtil
   CTestFunction CTestStub CTestHIL StubsVector
   MinMaxLimits CProfilerArea CTestProfiler CTestEnvironmentConfig CTestReportConfig
+  CTestSpecification CTestBench
   CCoverageTestExpected CCoverageTestResult CProfilerTestResult CTestResult
   ProfilerTestResultsVector StrCoverageTestResultsMap StrProfilerTestResultsMap StrProfilerTestResultsVectorMap
 )

@@ -5,6 +5,7 @@ public static class ManagedTestMain {
     YamlOutputTests.Run();
     YamlParseTests.Run();
     SectionsTests.Run();
+    TestSpecTests.Run();
     ResultsTests.Run();
     return Check.Result("managed tests");
   }

@@ -100,6 +100,14 @@ public static class ResultsTests {
       Check.Equal(0, expressions.Count);
     });
 
+    Check.Case("A result names its test", () => {
+      var spec = CTestSpecification.parseTestSpec("{id: t1, func: [add]}");
+      var result = new CTestResult(spec, "failed");
+      Check.Equal("t1", result.getTestId());
+      Check.Equal("add", result.getFunction());
+      Check.Equal("t1", result.getTestSpecification().getTestId());
+    });
+
     Check.Case("Coverage expectations and null arguments", () => {
       var expected = new CCoverageTestExpected();
       Check.Equal(0.0, expected.getBytesExecutedRel());

@@ -182,3 +182,17 @@ TEST(CTestBench, BenchDoesNotValidateItsTests)
     BenchPtr bench = CTestBench::parse("tests:\n- func: [f, [1]]\n  params: [2]\n");
     EXPECT_THROW(bench->getTestSpecification()->validate(), ParserException);
 }
+
+TEST(CTestBench, ExampleFilesReadBackToTheSameText)
+{
+    for (const char* name : {"sensor_filter.yaml", "ring_buffer.yaml"}) {
+        SCOPED_TRACE(name);
+        BenchPtr bench = CTestBench::load(std::string(KESTRIX_SOURCE_DIR) + "/examples/" + name);
+        const std::string written = textOf(*bench);
+        BenchPtr again = CTestBench::parse(written);
+        EXPECT_EQ(written, textOf(*again));
+        EXPECT_EQ(bench->getTestSpecification()->getNoOfTests(false), again->getTestSpecification()->getNoOfTests(false));
+        EXPECT_FALSE(again->getTestEnvironmentConfig()->isEmpty());
+        EXPECT_FALSE(again->getTestReportConfig()->isEmpty());
+    }
+}

@@ -26,6 +26,9 @@
 #include "ParserException.h"
 
 namespace kestrix_test {
+// Inline namespace: other test helpers use the same names in kestrix_test, and one binary
+// holds all tests, so these get names of their own at link time.
+inline namespace section_tests {
 
 using namespace kestrix;
 
@@ -226,18 +229,5 @@ inline std::string refusal(const std::function<void()>& action)
     return failureOf(action).message;
 }
 
-/// Runs `action`, which must throw `Ex`; gives its description and data lines.
-template <typename Ex, typename Action>
-std::string thrown(Action action)
-{
-    try {
-        action();
-    } catch (const Ex& e) {
-        return e.getDesc() + "\n" + e.getData();
-    } catch (const std::exception& e) {
-        return std::string("wrong exception: ") + e.what();
-    }
-    return "no exception";
-}
-
+} // namespace section_tests
 } // namespace kestrix_test

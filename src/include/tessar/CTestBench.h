@@ -15,6 +15,11 @@ namespace kestrix {
 /// receiver of a file's parse, and the root object when the file is written back.
 class CTestBench : public ITestParserEventReceiver {
 public:
+    // Keys of the root mapping, in the order of writing.
+    static constexpr const char* KEY_ENV = "env";
+    static constexpr const char* KEY_REPORT_CONFIG = "reportConfig";
+    static constexpr const char* KEY_TESTS = "tests";
+
     CTestBench();
     CTestBench(const CTestBench&) = delete;
     CTestBench& operator=(const CTestBench&) = delete;

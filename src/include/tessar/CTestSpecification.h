@@ -34,6 +34,26 @@ typedef std::shared_ptr<CTestSpecification> CTestSpecificationSPtr;
 class CTestSpecification : public ITestParserEventReceiver,
                            public std::enable_shared_from_this<CTestSpecification> {
 public:
+    // Keys of a specification block, in the order of writing.
+    static constexpr const char* KEY_ID = "id";
+    static constexpr const char* KEY_RUN = "run";
+    static constexpr const char* KEY_DESC = "desc";
+    static constexpr const char* KEY_TAGS = "tags";
+    static constexpr const char* KEY_OPTIONS = "options";
+    static constexpr const char* KEY_LOCALS = "locals";
+    static constexpr const char* KEY_INIT = "init";
+    static constexpr const char* KEY_FUNC = "func";
+    static constexpr const char* KEY_PARAMS = "params";
+    static constexpr const char* KEY_STUBS = "stubs";
+    static constexpr const char* KEY_INIT_FUNC = "initFunc";
+    static constexpr const char* KEY_END_FUNC = "endFunc";
+    static constexpr const char* KEY_EXPECT = "expect";
+    static constexpr const char* KEY_TRACE = "trace";
+    static constexpr const char* KEY_COVERAGE = "coverage";
+    static constexpr const char* KEY_PROFILER = "profiler";
+    static constexpr const char* KEY_HIL = "hil";
+    static constexpr const char* KEY_TESTS = "tests";
+
     /// What `m_section` holds while a block is read; `getSectionName` gives the names.
     enum ESection {
         E_SECTION_MAIN,
@@ -156,11 +176,17 @@ public:
     void removeStub(int idx);
 
 private:
+    /// Levels of the tree from one specification up to the root, the nearest first.
+    typedef std::vector<const CTestSpecification*> Levels;
+
     void enterChildSections();
-    /// Levels from this one up to the root, the nearest first.
-    std::vector<const CTestSpecification*> getLevels(std::vector<CTestSpecificationSPtr>& holders) const;
-    void mergeFuncAndParams(const std::vector<const CTestSpecification*>& levels);
-    void mergeSections(const std::vector<const CTestSpecification*>& levels);
+    /// The levels from this one up; `holders` keeps the ancestors alive meanwhile.
+    Levels getLevels(std::vector<CTestSpecificationSPtr>& holders) const;
+    /// Sets `field` from the nearest level where it is not empty.
+    template <typename T>
+    void inherit(const Levels& levels, T CTestSpecification::*field);
+    void mergeFuncAndParams(const Levels& levels);
+    void mergeStubs(const Levels& levels);
     ITestParserEventReceiver* newSequenceReceiver(CYAMLSequence* target, CYAMLValidator* validator);
     ITestParserEventReceiver* newMapReceiver(CYAMLMap* target);
     void writeKey(IEmitter& emitter, const char* key) const;
