@@ -611,3 +611,86 @@ TEST(CTestResultReportTest, DataProfilerReport)
               "...\n",
               yamlReport(result, Form::errorsOnly));
 }
+
+TEST(CTestResultReportTest, CodeProfilerErrorsOnlyInXml)
+{
+    auto spec = CTestSpecification::parseTestSpec("id: t3\n"
+                                                  "func: [add]\n"
+                                                  "profiler:\n"
+                                                  "  codeAreas:\n"
+                                                  "  - name: add\n"
+                                                  "    hits: [5, 10]\n"
+                                                  "  - name: sub\n"
+                                                  "    hits: [0, 10]\n");
+    CTestResult result(spec, StrVector(), {},
+                       codeResults(*spec, {{"add", CProfilerStatistic(7, 0, 370, 130, 120, 3)},
+                                           {"sub", CProfilerStatistic(8, 0, 10, 10, 10, 1)}}),
+                       {});
+
+    EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n"
+              "<main>\n"
+              "  <doc>\n"
+              "    <map>\n"
+              "      <testResult>\n"
+              "        <map>\n"
+              "          <testId>t3</testId>\n"
+              "          <function>add</function>\n"
+              "          <isError>1</isError>\n"
+              "          <codeProfiler>\n"
+              "            <sequence>\n"
+              "              <map>\n"
+              "                <function>add</function>\n"
+              "                <measuredProfilerResults>\n"
+              "                  <sequence>\n"
+              "                    <map>\n"
+              "                      <minTime>1</minTime>\n"
+              "                      <maxTime>1</maxTime>\n"
+              "                      <totalTime>1</totalTime>\n"
+              "                      <hits>\n"
+              "                        <map>\n"
+              "                          <expected>\n"
+              "                            <sequence>\n"
+              "                              <item>5</item>\n"
+              "                              <item>10</item>\n"
+              "                            </sequence>\n"
+              "                          </expected>\n"
+              "                          <measured>\n"
+              "                            <sequence>\n"
+              "                              <item>3</item>\n"
+              "                              <item>ERR_MIN</item>\n"
+              "                            </sequence>\n"
+              "                          </measured>\n"
+              "                        </map>\n"
+              "                      </hits>\n"
+              "                    </map>\n"
+              "                  </sequence>\n"
+              "                </measuredProfilerResults>\n"
+              "              </map>\n"
+              "            </sequence>\n"
+              "          </codeProfiler>\n"
+              "        </map>\n"
+              "      </testResult>\n"
+              "    </map>\n"
+              "  </doc>\n"
+              "</main>\n",
+              xmlReport(result, Form::errorsOnly));
+}
+
+TEST(CTestResultReportTest, TraceFilesAreNamedAlsoForAFailedRun)
+{
+    auto spec = CTestSpecification::parseTestSpec("id: t7\n"
+                                                  "func: [add]\n"
+                                                  "trace:\n"
+                                                  "  document: t.trd\n"
+                                                  "  exportFile: t.xml\n");
+    CTestResult result(spec, "Timeout!");
+
+    std::string yaml = yamlReport(result);
+    EXPECT_EQ("  isProfilerDataError: false\n"
+              "  trace:\n"
+              "    files:\n"
+              "      document: t.trd\n"
+              "      exportFile: t.xml\n"
+              "...\n",
+              yaml.substr(yaml.find("  isProfilerDataError")));
+}
