@@ -127,14 +127,6 @@ TEST(CTestResultTest, CoverageResultsWithError)
     EXPECT_EQ(1u, withError.count("f"));
 }
 
-// A result is not changed by writing it.
-TEST(CTestResultTest, SerializeTwiceGivesTheSameText)
-{
-    CTestResult result(spec(), StrVector{"a == 3\n    a = 5"}, {}, {}, {});
-    result.addEnvironmentInfo("k", "v");
-    EXPECT_EQ(yaml(result), yaml(result));
-}
-
 TEST(CTestResultTest, ResultWithoutSpecificationHasEmptyIdentity)
 {
     CTestResult result(nullptr, "no test");
