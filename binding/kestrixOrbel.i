@@ -18,11 +18,12 @@
 %include "Statistics.i"
 %include "YamlOutput.i"
 %include "YamlParse.i"
-%include "Sections.i"
 %include "AnalyzerSections.i"
+%include "Sections.i"
 %include "ProfilerSection.i"
 %include "Config.i"
 %include "TestSpec.i"
+%include "Results.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

@@ -20,6 +20,8 @@ finished=(
   CTestFunction CTestStub CTestHIL StubsVector
   MinMaxLimits CProfilerArea CTestProfiler CTestEnvironmentConfig CTestReportConfig
   CTestSpecification CTestBench
+  CCoverageTestExpected CCoverageTestResult CProfilerTestResult CTestResult
+  ProfilerTestResultsVector StrCoverageTestResultsMap StrProfilerTestResultsMap StrProfilerTestResultsVectorMap
 )
 # Free functions and registration exports, named whole.
 finished_names=(

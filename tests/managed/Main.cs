@@ -7,6 +7,7 @@ public static class ManagedTestMain {
     SectionsTests.Run();
     ProfilerConfigTests.Run();
     TestSpecTests.Run();
+    ResultsTests.Run();
     return Check.Result("managed tests");
   }
 }

@@ -1,0 +1,118 @@
+// Test results as a C# caller builds, queries and writes them.
+using System;
+
+public static class ResultsTests {
+  static string Report(CTestResult result, bool isErrorsOnly) {
+    var text = new CStringStream();
+    var emitter = EmitterFactory.createYamlEmitter(text);
+    emitter.startStream();
+    emitter.startDocument(true);
+    if (isErrorsOnly) {
+      result.serializeErrorsOnly(emitter, null);
+    } else {
+      result.serialize(emitter, null);
+    }
+    emitter.endDocument(true);
+    emitter.endStream();
+    return text.getString();
+  }
+
+  static CProfilerArea Area(string name, MinMaxLimits hits) {
+    var area = new CProfilerArea();
+    area.setAreaName(name);
+    area.setHits(hits);
+    return area;
+  }
+
+  public static void Run() {
+    Check.Case("Profiler results judge values against limits", () => {
+      var limits = new MinMaxLimits(5, 10);
+      Check.Equal(CProfilerTestResult.EResultStatus.ERR_NONE, CProfilerTestResult.validateValue(limits, 10));
+      Check.Equal(CProfilerTestResult.EResultStatus.ERR_MIN, CProfilerTestResult.validateValue(limits, 4));
+      Check.Equal(CProfilerTestResult.EResultStatus.ERR_BOTH,
+                  CProfilerTestResult.validateValue(limits, 11, CProfilerTestResult.EResultStatus.ERR_MIN));
+
+      var neverHit = new CProfilerTestResult(Area("f", new MinMaxLimits(1, 3)), true);
+      Check.Equal(CProfilerTestResult.EResultStatus.ERR_MIN, neverHit.validateHits());
+      Check.True(neverHit.isError(), "never hit is an error");
+      var measured = new ProfilerStatisticVector();
+      neverHit.getMeasuredResults(measured);
+      Check.Equal(0, measured.Count);
+
+      var hit = new CProfilerTestResult(Area("g", new MinMaxLimits(0, 3)), new CProfilerStatistic(), true);
+      Check.True(!hit.isError(), "zero hits within [0, 3]");
+      Check.Equal(3L, hit.getHitsExpected().m_max);
+    });
+
+    Check.Case("A test result joins the maps and writes its short form", () => {
+      var code = new StrProfilerTestResultsMap();
+      code.Add("f", new CProfilerTestResult(Area("f", new MinMaxLimits(1, 3)), true));
+      code.Add("g", new CProfilerTestResult(Area("g", new MinMaxLimits(0, 3)), new CProfilerStatistic(), true));
+      var data = new StrProfilerTestResultsVectorMap();
+      var values = new ProfilerTestResultsVector();
+      values.Add(new CProfilerTestResult());
+      data.Add("v", values);
+      var coverage = new StrCoverageTestResultsMap();
+      coverage.Add("f", new CCoverageTestResult(new CCoverageTestExpected(),
+                                                new CCoverageStatistic(10, 5, 0, 0, 0, 0, 0)));
+      var expressions = new StrVector();
+      expressions.Add("");
+
+      var result = new CTestResult(null, expressions, coverage, code, data);
+      Check.True(result.isError() && result.isProfilerCodeError(), "code profiler error");
+      Check.True(!result.isExpressionError() && !result.isCodeCoverageError() && !result.isProfilerDataError(),
+                 "no other error");
+      Check.True(result.getTestSpecification() == null, "no specification");
+
+      var withError = new StrProfilerTestResultsMap();
+      result.getProfilerCodeResultsWithError(withError);
+      Check.Equal(1, withError.Count);
+      Check.True(withError.ContainsKey("f"), "f in error");
+
+      Check.Equal("testResult:\n"
+                  + "  testId:\n"
+                  + "  function:\n"
+                  + "  isError: true\n"
+                  + "  codeProfiler:\n"
+                  + "  - function: f\n"
+                  + "    measuredProfilerResults:\n"
+                  + "    - minTime: true\n"
+                  + "      maxTime: true\n"
+                  + "      totalTime: true\n"
+                  + "      hits:\n"
+                  + "        expected: [1, 3]\n"
+                  + "        measured: [0, ERR_MIN]\n",
+                  Report(result, true));
+    });
+
+    Check.Case("A failed run is a result with its exception text", () => {
+      var result = new CTestResult(null, "Target lost!");
+      result.addEnvironmentInfo("host", "pc1");
+      Check.True(result.isException() && result.isError(), "exception flags");
+      Check.Equal("Target lost!", result.getExceptionString());
+      Check.Equal("CTestResult:\n  isError: 1\n  isException: 1\n  exceptionString: Target lost!\n"
+                  + "  isExpressionError: 0\n  isCodeCoverageError: 0\n  isProfilerCodeError: 0\n"
+                  + "  isProfilerDataError: 0", result.toString());
+      Check.True(Report(result, false).Contains("  environment:\n    host: pc1\n"), "environment written");
+      var expressions = new StrVector();
+      expressions.Add("stale");
+      result.getExpressionResults(expressions);
+      Check.Equal(0, expressions.Count);
+    });
+
+    Check.Case("A result names its test", () => {
+      var spec = CTestSpecification.parseTestSpec("{id: t1, func: [add]}");
+      var result = new CTestResult(spec, "failed");
+      Check.Equal("t1", result.getTestId());
+      Check.Equal("add", result.getFunction());
+      Check.Equal("t1", result.getTestSpecification().getTestId());
+    });
+
+    Check.Case("Coverage expectations and null arguments", () => {
+      var expected = new CCoverageTestExpected();
+      Check.Equal(0.0, expected.getBytesExecutedRel());
+      Check.Throws<ArgumentNullException>(() => new CCoverageTestResult(null, new CCoverageStatistic()));
+      Check.Throws<ArgumentNullException>(() => new CTestResult(null, null));
+    });
+  }
+}

@@ -1,0 +1,238 @@
+#include <gtest/gtest.h>
+
+#include "CCoverageTestResult.h"
+#include "CProfilerArea.h"
+#include "CProfilerTestResult.h"
+#include "CStringStream.h"
+#include "CTestCoverageStatistics.h"
+#include "CYAMLUtil.h"
+#include "EmitterFactory.h"
+
+using namespace kestrix;
+
+// Judging of coverage and profiler measurements against the expectations of a test.
+
+namespace {
+
+typedef CProfilerTestResult R;
+
+CTestCoverageStatistics statistics(const std::string& yaml)
+{
+    CTestCoverageStatistics item(nullptr);
+    CYAMLUtil::parseYAML(item, yaml);
+    return item;
+}
+
+CCoverageTestResult coverage(const std::string& expectedYaml, const CCoverageStatistic& measured)
+{
+    return CCoverageTestResult(CCoverageTestExpected(statistics(expectedYaml)), measured);
+}
+
+/// What `write` puts into one root mapping, as YAML text.
+template <typename Write>
+std::string inMapping(Write write)
+{
+    auto stream = std::make_shared<CStringStream>();
+    auto emitter = EmitterFactory::createYamlEmitter(stream);
+    emitter->startStream();
+    emitter->startDocument(true);
+    emitter->mapStart();
+    write(emitter);
+    emitter->mapEnd();
+    emitter->endDocument(true);
+    emitter->endStream();
+    return stream->getString();
+}
+
+CProfilerArea area(const MinMaxLimits& minTime, const MinMaxLimits& hits)
+{
+    CProfilerArea result;
+    result.setAreaName("f");
+    result.setMinTime(minTime);
+    result.setHits(hits);
+    return result;
+}
+
+/// An entry with the given min time and hits; other times follow the min time.
+CProfilerStatistic entry(long long minTime, DWORD hits, DWORD value = 0)
+{
+    return CProfilerStatistic(1, value, minTime * hits, minTime, minTime, hits);
+}
+
+} // namespace
+
+TEST(CoverageResultTest, ExpectedFractionsFromPercentages)
+{
+    CCoverageTestExpected expected(statistics("{func: f, code: 100, branches: 80, both: 12.5}"));
+    EXPECT_DOUBLE_EQ(1.0, expected.getBytesExecutedRel());
+    EXPECT_DOUBLE_EQ(0.8, expected.getBranchesExecutedRel());
+    EXPECT_DOUBLE_EQ(0.0, expected.getBranchesTakenRel());
+    EXPECT_DOUBLE_EQ(0.0, expected.getBranchesNotTakenRel());
+    EXPECT_DOUBLE_EQ(0.125, expected.getBranchesBothRel());
+    EXPECT_EQ("CCoverageTestExpected:  m_bytesExecutedExpected1  m_branchesExecutedExpected0.8"
+              "  m_branchesTakenExpected0  m_branchesNotTakenExpected0  m_branchesBothExpected0.125",
+              expected.toString());
+}
+
+TEST(CoverageResultTest, BelowExpectedIsErrorEqualIsNot)
+{
+    // 10 of 20 bytes; 2 of 4 branches executed, 1 taken, 1 not taken, 0 both.
+    CCoverageStatistic measured(20, 10, 4, 2, 1, 1, 0);
+    EXPECT_FALSE(coverage("{code: 50, branches: 50, taken: 25, notTaken: 25}", measured).isError());
+
+    CCoverageTestResult bytes = coverage("{code: 51}", measured);
+    EXPECT_TRUE(bytes.isBytesExecutedError());
+    EXPECT_FALSE(bytes.isBranchesExecutedError());
+    EXPECT_TRUE(bytes.isError());
+
+    CCoverageTestResult branches = coverage("{taken: 26, both: 1}", measured);
+    EXPECT_FALSE(branches.isBytesExecutedError());
+    EXPECT_TRUE(branches.isBranchesTakenError());
+    EXPECT_FALSE(branches.isBranchesNotTakenError());
+    EXPECT_TRUE(branches.isBranchesBothError());
+}
+
+TEST(CoverageResultTest, NothingInRangeIsNoError)
+{
+    CCoverageTestResult result = coverage("{code: 100, branches: 100, taken: 100, notTaken: 100, both: 100}",
+                                          CCoverageStatistic());
+    EXPECT_FALSE(result.isError());
+    // Branch items are judged against the branches, not the bytes.
+    CCoverageTestResult noBranches = coverage("{code: 100, branches: 100}", CCoverageStatistic(8, 8, 0, 0, 0, 0, 0));
+    EXPECT_FALSE(noBranches.isError());
+}
+
+TEST(CoverageResultTest, HugeCountHasNoAbsoluteFigure)
+{
+    CCoverageTestResult result = coverage("{code: 10}", CCoverageStatistic(4294967295u, 2147483648u, 2,
+                                                                           2147483647u, 0, 0, 0));
+    EXPECT_EQ("isError: false\n"
+              "isBytesExecutedError: false\n"
+              "isBranchesExecutedError: false\n"
+              "isBranchesTakenError: false\n"
+              "isBranchesNotTakenError: false\n"
+              "isBranchesBothError: false\n"
+              "bytesAll: 4294967295\n"
+              "branchesAll: 2\n"
+              "bytesExecuted:\n"
+              "  expected: 0.1\n"
+              "  measuredRel: 0.5\n"
+              "branchesExecuted:\n"
+              "  expected: 0\n"
+              "  measuredRel: 1.07374e+09\n"
+              "  measuredAbs: 2147483647\n"
+              "branchesTaken:\n"
+              "  expected: 0\n"
+              "  measuredRel: 0\n"
+              "  measuredAbs: 0\n"
+              "branchesNotTaken:\n"
+              "  expected: 0\n"
+              "  measuredRel: 0\n"
+              "  measuredAbs: 0\n"
+              "branchesBoth:\n"
+              "  expected: 0\n"
+              "  measuredRel: 0\n"
+              "  measuredAbs: 0\n",
+              inMapping([&](const std::shared_ptr<IEmitter>& e) { result.serialize(e); }));
+}
+
+TEST(ProfilerResultTest, ValueAgainstLimits)
+{
+    MinMaxLimits limits(-10, -5);
+    EXPECT_EQ(R::ERR_NONE, R::validateValue(limits, -10));
+    EXPECT_EQ(R::ERR_NONE, R::validateValue(limits, -5));
+    EXPECT_EQ(R::ERR_MIN, R::validateValue(limits, -11));
+    EXPECT_EQ(R::ERR_MAX, R::validateValue(limits, 0));
+    EXPECT_EQ(R::ERR_MAX, R::validateValue(MinMaxLimits(0, 4294967296LL), 4294967297LL));
+}
+
+TEST(ProfilerResultTest, StatusJoinsEarlierValues)
+{
+    MinMaxLimits limits(5, 10);
+    EXPECT_EQ(R::ERR_BOTH, R::validateValue(limits, 4, R::ERR_MAX));
+    EXPECT_EQ(R::ERR_BOTH, R::validateValue(limits, 11, R::ERR_MIN));
+    EXPECT_EQ(R::ERR_BOTH, R::validateValue(limits, 4, R::ERR_BOTH));
+    EXPECT_EQ(R::ERR_MIN, R::validateValue(limits, 4, R::ERR_MIN));
+    EXPECT_EQ(R::ERR_MAX, R::validateValue(limits, 11, R::ERR_NONE));
+    EXPECT_EQ(R::ERR_BOTH, R::validateValue(limits, 7, R::ERR_BOTH));
+    EXPECT_EQ(R::ERR_MIN, R::validateValue(limits, 7, R::ERR_MIN));
+}
+
+TEST(ProfilerResultTest, ValidationsFoldOverEntries)
+{
+    R result(area(MinMaxLimits(10, 20), MinMaxLimits(1, 5)), entry(15, 0), false);
+    EXPECT_EQ(R::ERR_NONE, result.validateMinTime());
+    EXPECT_EQ(R::ERR_MIN, result.validateHits());
+    result.addMeasuredResults(entry(25, 6));
+    EXPECT_EQ(R::ERR_MAX, result.validateMinTime());
+    EXPECT_EQ(R::ERR_BOTH, result.validateHits());
+    // Ranges that are not defined never fail.
+    EXPECT_EQ(R::ERR_NONE, result.validateMaxTime());
+    EXPECT_EQ(R::ERR_NONE, result.validateTotalTime());
+    EXPECT_TRUE(result.isError());
+
+    ProfilerStatisticVector all;
+    result.getMeasuredResults(all);
+    EXPECT_EQ(2u, all.size());
+}
+
+TEST(ProfilerResultTest, NeverHitAreaFailsOnlyWhenHitsAreExpected)
+{
+    EXPECT_EQ(R::ERR_MIN, R(area(MinMaxLimits(), MinMaxLimits(1, 1)), true).validateHits());
+    EXPECT_EQ(R::ERR_NONE, R(area(MinMaxLimits(), MinMaxLimits(0, 3)), true).validateHits());
+    EXPECT_FALSE(R(area(MinMaxLimits(), MinMaxLimits()), true).isError());
+    EXPECT_FALSE(R(area(MinMaxLimits(1, 2), MinMaxLimits()), true).isError());
+}
+
+TEST(ProfilerResultTest, EntriesWithErrorCountDefinedRangesOnly)
+{
+    CProfilerArea limited = area(MinMaxLimits(10, 20), MinMaxLimits(2, 3, false));
+    R result(limited, entry(15, 1, 1), false);
+    result.addMeasuredResults(entry(9, 1, 2));
+    result.addMeasuredResults(entry(20, 7, 3));
+
+    ProfilerStatisticVector withError{entry(0, 0)};
+    result.getMeasuredResultsWithError(withError);
+    ASSERT_EQ(1u, withError.size());
+    EXPECT_EQ(2u, withError[0].getValue());
+
+    R empty(limited, false);
+    empty.getMeasuredResultsWithError(withError);
+    EXPECT_TRUE(withError.empty());
+}
+
+TEST(ProfilerResultTest, ExpectationsComeFromTheArea)
+{
+    CProfilerArea data;
+    CYAMLUtil::parseYAML(data, "{name: state, value: 0x10, totalTime: [0, 100], hits: [1, 2]}");
+    R result(data, false);
+    EXPECT_TRUE(result.isValueSet());
+    EXPECT_EQ(16, result.getValue());
+    EXPECT_EQ(100, result.getTotalTimeExpected().m_max);
+    EXPECT_TRUE(result.getTotalTimeExpected().m_isDefined);
+    EXPECT_FALSE(result.getMinTimeExpected().m_isDefined);
+    EXPECT_EQ(1, result.getHitsExpected().m_min);
+
+    CProfilerArea code;
+    CYAMLUtil::parseYAML(code, "{name: f}");
+    R codeResult(code, true);
+    EXPECT_FALSE(codeResult.isValueSet());
+    EXPECT_EQ(0, codeResult.getValue());
+}
+
+TEST(ProfilerResultTest, ParameterInRangeIsShortInErrorsOnlyForm)
+{
+    MinMaxLimits limits(-1, 9);
+    EXPECT_EQ("t: true\n", inMapping([&](const std::shared_ptr<IEmitter>& e) {
+                  R::serializeParameter(e, "t", R::ERR_NONE, limits, 3, false);
+              }));
+    EXPECT_EQ("t:\n  expected: [-1, 9]\n  measured: [3, ERR_NONE]\n",
+              inMapping([&](const std::shared_ptr<IEmitter>& e) {
+                  R::serializeParameter(e, "t", R::ERR_NONE, limits, 3, true);
+              }));
+    // The status of the whole result is shown, even where this entry is in range.
+    EXPECT_EQ("t:\n  expected: [-1, 9]\n  measured: [3, ERR_BOTH]\n",
+              inMapping([&](const std::shared_ptr<IEmitter>& e) {
+                  R::serializeParameter(e, "t", R::ERR_BOTH, limits, 3, false);
+              }));
+}
