@@ -26,12 +26,7 @@ void CSectionSetters::setMapEntries(CYAMLMap& field, const std::string& text)
     CYAMLMap parsed;
     CYAMLMapReceiver receiver(nullptr, &parsed);
     CYAMLUtil::parseYAML(receiver, text);
-    field.clear();
-    // The parsed map's keys are unique, so nothing below can fail half-way.
-    for (const auto& keyText : parsed.getKeyTexts()) {
-        auto entry = parsed.find(keyText);
-        field.add(entry->first, entry->second);
-    }
+    field.assignEntries(parsed);
 }
 
 } // namespace kestrix

@@ -1,10 +1,10 @@
 #include "CTestEnvironmentConfig.h"
 
-#include <sstream>
-
+#include "CSectionSetters.h"
 #include "CUtil.h"
-#include "CYAMLEmitter.h"
+#include "CYAMLDocumentWriter.h"
 #include "CYAMLUtil.h"
+#include "IEmitter.h"
 #include "ParserException.h"
 
 namespace kestrix {
@@ -197,22 +197,7 @@ bool CTestEnvironmentConfig::isEmpty() const
 
 std::string CTestEnvironmentConfig::toString() const
 {
-    std::ostringstream text;
-    CYAMLEmitter emitter(&text);
-    emitter.startStream();
-    emitter.startDocument(true);
-    writeTo(emitter);
-    emitter.endDocument(true);
-    emitter.endStream();
-    return text.str();
-}
-
-void CTestEnvironmentConfig::replaceItems(CYAMLSequence& target, const std::string& text)
-{
-    CYAMLSequence parsed;
-    CYAMLSequenceReceiver receiver(nullptr, &parsed);
-    CYAMLUtil::parseYAML(receiver, text);
-    target.getItems() = parsed.getItems();
+    return CYAMLDocumentWriter::toString([this](IEmitter& emitter) { writeTo(emitter); });
 }
 
 std::string CTestEnvironmentConfig::getWorkspace() const
@@ -345,7 +330,7 @@ void CTestEnvironmentConfig::getScriptModules(StrVector& modules) const
 
 void CTestEnvironmentConfig::setScriptModules(const std::string& modules)
 {
-    replaceItems(m_scriptModules, modules);
+    CSectionSetters::setSequenceItems(m_scriptModules, modules);
 }
 
 std::string CTestEnvironmentConfig::getScriptPath() const
@@ -375,7 +360,7 @@ void CTestEnvironmentConfig::getLoggingParameters(StrVector& parameters) const
 
 void CTestEnvironmentConfig::setLoggingParameters(const std::string& parameters)
 {
-    replaceItems(m_loggingParameters, parameters);
+    CSectionSetters::setSequenceItems(m_loggingParameters, parameters);
 }
 
 } // namespace kestrix

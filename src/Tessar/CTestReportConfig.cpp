@@ -1,10 +1,10 @@
 #include "CTestReportConfig.h"
 
-#include <sstream>
-
+#include "CSectionSetters.h"
 #include "CUtil.h"
-#include "CYAMLEmitter.h"
+#include "CYAMLDocumentWriter.h"
 #include "CYAMLUtil.h"
+#include "IEmitter.h"
 #include "IllegalStateException.h"
 #include "ParserException.h"
 
@@ -25,17 +25,6 @@ namespace {
 std::string scalarText(const yaml_event_t& event)
 {
     return std::string(reinterpret_cast<const char*>(event.data.scalar.value), event.data.scalar.length);
-}
-
-/// Replaces the entries of `target` by those of `source`; anchor, tag and style of `target` stay.
-void replaceEntries(CYAMLMap& target, const CYAMLMap& source)
-{
-    CYAMLMap entries(source);
-    target.clear();
-    for (const auto& key : entries.getKeyTexts()) {
-        const auto entry = entries.find(key);
-        target.add(entry->first, entry->second);
-    }
 }
 
 } // namespace
@@ -185,16 +174,11 @@ bool CTestReportConfig::isEmpty() const
 std::string CTestReportConfig::toString() const
 {
     // The section starts with its own key, so it is written inside a root mapping of its own.
-    std::ostringstream text;
-    CYAMLEmitter emitter(&text);
-    emitter.startStream();
-    emitter.startDocument(true);
-    emitter.mapStart(IEmitter::STYLE_ANY);
-    writeTo(emitter);
-    emitter.mapEnd();
-    emitter.endDocument(true);
-    emitter.endStream();
-    return text.str();
+    return CYAMLDocumentWriter::toString([this](IEmitter& emitter) {
+        emitter.mapStart(IEmitter::STYLE_ANY);
+        writeTo(emitter);
+        emitter.mapEnd();
+    });
 }
 
 CTestReportConfig::EReportContents CTestReportConfig::getReportContents() const
@@ -287,10 +271,7 @@ void CTestReportConfig::getUserInfo(StrStrMap& info) const
 
 void CTestReportConfig::setUserInfo(const std::string& info)
 {
-    CYAMLMap parsed;
-    CYAMLMapReceiver receiver(nullptr, &parsed);
-    CYAMLUtil::parseYAML(receiver, info);
-    replaceEntries(m_userInfo, parsed);
+    CSectionSetters::setMapEntries(m_userInfo, info);
 }
 
 void CTestReportConfig::addUserInfo(const std::string& key, const std::string& value)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "CSectionSetters.h"
 #include "CUtil.h"
 #include "CYAMLDocumentWriter.h"
 #include "CYAMLUtil.h"
@@ -46,28 +47,6 @@ const int NO_OF_SECTIONS = sizeof(SECTION_NAMES) / sizeof(SECTION_NAMES[0]);
 std::string scalarText(const yaml_event_t& event)
 {
     return CYAMLScalar(event).getValue();
-}
-
-/// Replaces the items of `target` by those of a list in YAML text; attributes stay.
-void replaceItems(CYAMLSequence& target, const std::string& text)
-{
-    CYAMLSequence parsed;
-    CYAMLSequenceReceiver receiver(nullptr, &parsed);
-    CYAMLUtil::parseYAML(receiver, text);
-    target.getItems() = parsed.getItems();
-}
-
-/// Replaces the entries of `target` by those of a map in YAML text; attributes stay.
-void replaceEntries(CYAMLMap& target, const std::string& text)
-{
-    CYAMLMap parsed;
-    CYAMLMapReceiver receiver(nullptr, &parsed);
-    CYAMLUtil::parseYAML(receiver, text);
-    target.clear();
-    for (const auto& keyText : parsed.getKeyTexts()) {
-        auto entry = parsed.find(keyText);
-        target.add(entry->first, entry->second);
-    }
 }
 
 } // namespace
@@ -643,12 +622,12 @@ void CTestSpecification::clearRunFlag()
 
 void CTestSpecification::setTags(const std::string& text)
 {
-    replaceItems(m_tags, text);
+    CSectionSetters::setSequenceItems(m_tags, text);
 }
 
 void CTestSpecification::setExpectedResults(const std::string& text)
 {
-    replaceItems(m_expect, text);
+    CSectionSetters::setSequenceItems(m_expect, text);
 }
 
 void CTestSpecification::setPositionParams(const std::string& text)
@@ -657,22 +636,22 @@ void CTestSpecification::setPositionParams(const std::string& text)
         throw IOException(KX_POS, "Parameters must not be assigned in both the 'func' section and 'params' section.")
             .add("params", text);
     }
-    replaceItems(m_params, text);
+    CSectionSetters::setSequenceItems(m_params, text);
 }
 
 void CTestSpecification::setLocalVariables(const std::string& text)
 {
-    replaceEntries(m_locals, text);
+    CSectionSetters::setMapEntries(m_locals, text);
 }
 
 void CTestSpecification::setInitValues(const std::string& text)
 {
-    replaceEntries(m_init, text);
+    CSectionSetters::setMapEntries(m_init, text);
 }
 
 void CTestSpecification::setIdeOptions(const std::string& text)
 {
-    replaceEntries(m_options, text);
+    CSectionSetters::setMapEntries(m_options, text);
 }
 
 std::shared_ptr<CTestStub> CTestSpecification::newTestStub()

@@ -147,12 +147,9 @@ void CXMLEmitter::write(const CYAMLMap& map)
 {
     mapStart(STYLE_ANY);
     for (const auto& key : map.getKeyTexts()) {
-        const auto entry = map.find(key);
-        if (entry == map.getEntries().end()) {
-            throw IllegalStateException(KX_POS, "Internal error - key without entry in map!").add("key", key);
-        }
-        write(entry->first);
-        write(static_cast<const CYAMLObject&>(*entry->second));
+        const auto& entry = map.entryOf(key);
+        write(entry.first);
+        write(static_cast<const CYAMLObject&>(*entry.second));
     }
     mapEnd();
 }

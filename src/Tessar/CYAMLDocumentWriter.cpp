@@ -9,14 +9,19 @@ namespace kestrix {
 
 namespace {
 
-void writeDocument(ITestParserEventReceiver& object, std::ostream& stream)
+void writeDocument(const std::function<void(const std::shared_ptr<CYAMLEmitter>&)>& write, std::ostream& stream)
 {
     auto emitter = std::make_shared<CYAMLEmitter>(&stream);
     emitter->startStream();
     emitter->startDocument(true);
-    object.serialize(emitter);
+    write(emitter);
     emitter->endDocument(true);
     emitter->endStream();
+}
+
+void writeDocument(ITestParserEventReceiver& object, std::ostream& stream)
+{
+    writeDocument([&object](const std::shared_ptr<CYAMLEmitter>& emitter) { object.serialize(emitter); }, stream);
 }
 
 } // namespace
@@ -34,6 +39,13 @@ std::string CYAMLDocumentWriter::toString(ITestParserEventReceiver& object)
 {
     std::ostringstream text;
     writeDocument(object, text);
+    return text.str();
+}
+
+std::string CYAMLDocumentWriter::toString(const std::function<void(IEmitter&)>& write)
+{
+    std::ostringstream text;
+    writeDocument([&write](const std::shared_ptr<CYAMLEmitter>& emitter) { write(*emitter); }, text);
     return text.str();
 }
 

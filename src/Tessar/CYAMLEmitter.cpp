@@ -156,12 +156,9 @@ void CYAMLEmitter::write(const CYAMLMap& map)
     map.initStartEvent(&event);
     emit(&event, "YAML m_emitter error: ");
     for (const auto& key : map.getKeyTexts()) {
-        const auto entry = map.find(key);
-        if (entry == map.getEntries().end()) {
-            throw IllegalStateException(KX_POS, "Internal error - key without entry in map!").add("key", key);
-        }
-        write(entry->first);
-        write(static_cast<const CYAMLObject&>(*entry->second));
+        const auto& entry = map.entryOf(key);
+        write(entry.first);
+        write(static_cast<const CYAMLObject&>(*entry.second));
     }
     emitEnd(&yaml_mapping_end_event_initialize, "YAML emitter error: ");
 }

@@ -123,6 +123,22 @@ std::shared_ptr<CYAMLObject> CYAMLMap::getValue(const std::string& keyText) cons
     return found == m_entries.end() ? nullptr : found->second;
 }
 
+const CYAMLMap::Entries::value_type& CYAMLMap::entryOf(const std::string& keyText) const
+{
+    const auto found = m_entries.find(keyText);
+    if (found == m_entries.end()) {
+        throw IllegalStateException(KX_POS, "Internal error - key without entry in map!").add("key", keyText);
+    }
+    return *found;
+}
+
+void CYAMLMap::assignEntries(const CYAMLMap& source)
+{
+    CYAMLMap copy(source);
+    m_entries = std::move(copy.m_entries);
+    m_keys = std::move(copy.m_keys);
+}
+
 void CYAMLMap::getKeys(StrVector& keys) const
 {
     keys.insert(keys.end(), m_keys.begin(), m_keys.end());
@@ -131,11 +147,7 @@ void CYAMLMap::getKeys(StrVector& keys) const
 void CYAMLMap::getValues(StrVector& values) const
 {
     for (const auto& key : m_keys) {
-        const auto found = m_entries.find(key);
-        if (found == m_entries.end()) {
-            throw IllegalStateException(KX_POS, "Internal error - key without entry in map!").add("key", key);
-        }
-        values.push_back(toExpressionText(found->second->asScalar()));
+        values.push_back(toExpressionText(entryOf(key).second->asScalar()));
     }
 }
 

@@ -107,7 +107,6 @@ private:
     std::string stateError(const std::string& key) const;
     /// What `serialize` writes.
     void writeTo(IEmitter& emitter) const;
-    static void replaceItems(CYAMLSequence& target, const std::string& text);
 
     ITestParserEventReceiver* m_parent;
     std::unique_ptr<ScriptModulesReceiver> m_sequenceReceiver;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "ITestParserEventReceiver.h"
@@ -12,6 +13,8 @@ public:
     /// Truncates or appends to the file; a file that cannot be opened is skipped silently.
     static void save(ITestParserEventReceiver& object, const std::string& fileName, bool isAppend);
     static std::string toString(ITestParserEventReceiver& object);
+    /// The document that `write` fills, as text.
+    static std::string toString(const std::function<void(IEmitter&)>& write);
 };
 
 } // namespace kestrix

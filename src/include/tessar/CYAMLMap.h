@@ -55,6 +55,11 @@ public:
     Entries::const_iterator find(const std::string& keyText) const;
     /// The value of a key text, or null.
     std::shared_ptr<CYAMLObject> getValue(const std::string& keyText) const;
+    /// The entry of a key text that `getKeyTexts` gave.
+    const Entries::value_type& entryOf(const std::string& keyText) const;
+    /// Replaces entries and key order by deep copies of those of `source`; anchor, tag and
+    /// style stay.
+    void assignEntries(const CYAMLMap& source);
 
     const Entries& getEntries() const { return m_entries; }
     /// Key texts in order of insertion.
