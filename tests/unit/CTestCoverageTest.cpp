@@ -42,27 +42,20 @@ const char* const FULL_BLOCK =
 
 } // namespace
 
+// Texts are written back from the fields, so the round trips also check where each key is kept.
 TEST_F(CoverageFixture, FullBlockIsReadAndWrittenBackAlike)
 {
     parse(FULL_BLOCK);
+    EXPECT_EQ(FULL_BLOCK, text());
     EXPECT_EQ(CTestCoverage::rmResume, coverage.getRunMode());
-    EXPECT_EQ("cov.trd", coverage.getDocumentFileName());
-    EXPECT_EQ("w", coverage.getOpenMode());
     EXPECT_TRUE(coverage.isSaveAfterTest());
-    EXPECT_EQ("yes", coverage.getCloseAfterTest());
-    EXPECT_TRUE(coverage.isCloseAfterTest());
-    EXPECT_EQ("all", coverage.getRangesetName());
-    EXPECT_EQ("Review (HTML)", coverage.getExportFormat());
-    EXPECT_EQ("cov.html", coverage.getExportFileName());
-    EXPECT_FALSE(coverage.isDecisionCoverage());
-    EXPECT_EQ("0", coverage.getDecisionCoverage());
-    EXPECT_EQ("cov.bmp", coverage.getBitmapFileName());
+    EXPECT_TRUE(coverage.isCloseAfterTest()) << "yes";
+    EXPECT_FALSE(coverage.isDecisionCoverage()) << "0";
 
     ASSERT_EQ(2, coverage.getStatisticsSize());
     const auto first = coverage.getStatistics(0);
     EXPECT_EQ("main", first->getFunctionName());
     EXPECT_FALSE(first->isDefaultFunction());
-    EXPECT_EQ("100", first->getBytesExecutedText());
     EXPECT_FLOAT_EQ(100.0f, first->getBytesExecuted());
     EXPECT_FLOAT_EQ(80.0f, first->getBranchExecuted());
     EXPECT_FLOAT_EQ(12.5f, first->getBranchTaken());
@@ -73,23 +66,17 @@ TEST_F(CoverageFixture, FullBlockIsReadAndWrittenBackAlike)
     EXPECT_TRUE(second->isDefaultFunction());
     EXPECT_EQ("", second->getBranchExecutedText());
     EXPECT_FLOAT_EQ(0.0f, second->getBranchExecuted());
-
-    EXPECT_EQ(FULL_BLOCK, text());
 }
 
 TEST_F(CoverageFixture, AnchorsTagsAndStylesSurviveARoundTrip)
 {
-    const std::string input = "coverage: &c\n"
-                              "  document: 'my doc'\n"
-                              "  exportFormat: \"XML2\"\n"
+    const std::string input = "coverage: &c\n  document: 'my doc'\n  exportFormat: \"XML2\"\n"
                               "  statistics: &l !st [&s {code: 5}, !i {func: \"g\"}]\n";
     parse(input);
-    const std::string first = text();
-    EXPECT_EQ(input, first);
-
+    EXPECT_EQ(input, text());
     KeyHost<CTestCoverage> again("coverage");
-    CYAMLUtil::parseYAML(again, first);
-    EXPECT_EQ(first, toYaml(again));
+    CYAMLUtil::parseYAML(again, input);
+    EXPECT_EQ(input, toYaml(again));
 }
 
 TEST_F(CoverageFixture, RunModeIsStartForABlockWithoutIt)
@@ -178,7 +165,7 @@ TEST(CTestCoverage, IsEmptyIgnoresTheStatisticsList)
     EXPECT_EQ("", coverage.getDecisionCoverage());
 }
 
-TEST(CTestCoverage, SettersAndWhatTheyWrite)
+TEST(CTestCoverage, SettersWriteTheirValuesAndRefusedValuesChangeNothing)
 {
     CTestCoverage coverage(nullptr);
     coverage.setRunMode(CTestCoverage::rmResume);
@@ -196,6 +183,17 @@ TEST(CTestCoverage, SettersAndWhatTheyWrite)
               "  isDecisionCoverage: true\n  bitmapFile: b\n",
               written("coverage", coverage));
 
+    EXPECT_EQ("Invalid coverage 'ERunMode' enum value!\n",
+              failureOf<IllegalArgumentException>([&] { coverage.setRunMode(static_cast<CTestCoverage::ERunMode>(3)); }));
+    EXPECT_EQ("Invalid string value for enum : 'on'\n",
+              failureOf<IllegalArgumentException>([&] { coverage.setRunMode("on"); }));
+    EXPECT_EQ("Invalid open mode for coverage document. Should be 'u', 'w', or 'a'.\n  data:\n    openMode: x\n",
+              failureOf<ParserException>([&] { coverage.setOpenMode("x"); }));
+    EXPECT_NE("no exception", failureOf<ParserException>([&] { coverage.setBitmapFileName("a, b"); }));
+    EXPECT_EQ(CTestCoverage::rmResume, coverage.getRunMode());
+    EXPECT_EQ("a", coverage.getOpenMode());
+    EXPECT_EQ("b", coverage.getBitmapFileName());
+
     coverage.clearSaveAfterTest();
     coverage.clearCloseAfterTest();
     EXPECT_FALSE(coverage.isCloseAfterTest());
@@ -207,22 +205,6 @@ TEST(CTestCoverage, SettersAndWhatTheyWrite)
               written("coverage", coverage));
 }
 
-TEST(CTestCoverage, SettersRefuseBadValuesAndKeepTheField)
-{
-    CTestCoverage coverage(nullptr);
-    coverage.setRunMode("start");
-    coverage.setOpenMode("w");
-    EXPECT_EQ("Invalid coverage 'ERunMode' enum value!\n",
-              failureOf<IllegalArgumentException>([&] { coverage.setRunMode(static_cast<CTestCoverage::ERunMode>(3)); }));
-    EXPECT_EQ("Invalid string value for enum : 'on'\n",
-              failureOf<IllegalArgumentException>([&] { coverage.setRunMode("on"); }));
-    EXPECT_EQ(CTestCoverage::rmStart, coverage.getRunMode());
-    EXPECT_EQ("Invalid open mode for coverage document. Should be 'u', 'w', or 'a'.\n  data:\n    openMode: x\n",
-              failureOf<ParserException>([&] { coverage.setOpenMode("x"); }));
-    EXPECT_EQ("w", coverage.getOpenMode());
-    EXPECT_NE("no exception", failureOf<ParserException>([&] { coverage.setBitmapFileName("a, b"); }));
-}
-
 TEST(CTestCoverage, StatisticsListOperations)
 {
     CTestCoverage coverage(nullptr);
@@ -232,9 +214,6 @@ TEST(CTestCoverage, StatisticsListOperations)
     coverage.addStatistics()->setFunctionName("c");
     coverage.swapStatistics(0, 2);
     coverage.removeStatistics(1);
-    ASSERT_EQ(2, coverage.getStatisticsSize());
-    EXPECT_EQ("c", coverage.getStatistics(0)->getFunctionName());
-    EXPECT_EQ("a", coverage.getStatistics(1)->getFunctionName());
     EXPECT_EQ("coverage:\n  document: d\n  statistics:\n  - func: c\n  - func: a\n", written("coverage", coverage));
 
     EXPECT_EQ("No coverage statistics at the given index exists!\n  data:\n    index: 2\n    noOfStatistics: 2\n",
@@ -262,10 +241,9 @@ TEST(CTestCoverage, CopiesAreDeepAndItemsBelongToTheCopy)
     assigned.addStatistics();
     assigned = original;
     ASSERT_EQ(1, assigned.getStatisticsSize());
-    EXPECT_NE(original.getStatistics(0), assigned.getStatistics(0));
     EXPECT_EQ(&assigned, assigned.getStatistics(0)->mappingEnd());
     EXPECT_EQ(&otherOwner, assigned.mappingEnd());
-    EXPECT_EQ("d", assigned.getDocumentFileName());
+    EXPECT_EQ("coverage:\n  document: d\n  statistics:\n  - code: 10\n", toYaml(otherOwner));
 }
 
 TEST(CTestCoverageStatistics, NumberSetters)
@@ -286,8 +264,6 @@ TEST(CTestCoverageStatistics, NumberSetters)
 
     EXPECT_NE("no exception", failureOf<IllegalArgumentException>([&] { item.setCodeExecuted("abc"); }));
     EXPECT_EQ("0", item.getBytesExecutedText());
-    item.setFunctionName("'f'");
-    EXPECT_EQ("f", item.getFunctionName());
 }
 
 TEST(CTestCoverageStatistics, ConstructorFromAnEventIsInsideItsMapping)

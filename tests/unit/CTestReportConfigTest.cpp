@@ -41,7 +41,6 @@ TEST(CTestReportConfig, ReadsAllKeysAndWritesThemBack)
     EXPECT_EQ(CTestReportConfig::rcErrorsOnly, report.getReportContents());
     EXPECT_EQ(CTestReportConfig::ofYaml, report.getOutputFormat());
     EXPECT_EQ("report.yaml", report.getFileName());
-    EXPECT_EQ("full.xslt", report.getXsltForFullReport());
     EXPECT_EQ("errors.xslt", report.getSelectedXsltFileName());
     EXPECT_TRUE(report.isIncludeTestSpec());
     EXPECT_FALSE(report.isUseCustomTime());
