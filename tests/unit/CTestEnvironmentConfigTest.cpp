@@ -3,26 +3,19 @@
 #include <string>
 
 #include "CTestEnvironmentConfig.h"
-#include "SectionHostSupport.h"
+#include "SectionTestSupport.h"
 #include "YamlTestSupport.h"
 
 using namespace kestrix;
-using kestrix_test::config::parseFailure;
-using kestrix_test::config::SectionHost;
-using kestrix_test::config::yamlOf;
+using namespace kestrix_test;
 
 namespace {
 
-class EnvHost : public SectionHost<CTestEnvironmentConfig> {
-public:
-    EnvHost() : SectionHost<CTestEnvironmentConfig>("env", true) {}
+struct EnvHost : public KeyHost<CTestEnvironmentConfig> {
+    EnvHost() : KeyHost<CTestEnvironmentConfig>("env") {}
 };
 
-std::string refusal(const std::string& text)
-{
-    EnvHost host;
-    return parseFailure(host, text).message;
-}
+const auto refused = freshHost<CTestEnvironmentConfig>("env");
 
 const char* const FULL_ENV = "env:\n"
                              "  workspace: \"project/demo.ws\"\n"
@@ -46,42 +39,28 @@ TEST(CTestEnvironmentConfig, ReadsAllKeysAndWritesThemBackAlike)
     EnvHost host;
     CYAMLUtil::parseYAML(host, FULL_ENV);
     const CTestEnvironmentConfig& env = host.section;
-
+    // Texts are written back from the fields, so the round trip also checks where each key is kept.
+    EXPECT_EQ(FULL_ENV, toYaml(host));
     EXPECT_EQ("project/demo.ws", env.getWorkspace());
-    EXPECT_EQ("10.0.0.1", env.getAddress());
     EXPECT_EQ(5000, env.getPort());
-    EXPECT_TRUE(env.isAutoConnectToQuillon());
-    EXPECT_TRUE(env.isAlwaysRunInitSeqBeforeRun());
-    EXPECT_FALSE(env.idDownloadOnInit());
-    EXPECT_TRUE(env.isResetOnInit());
-    EXPECT_FALSE(env.isRunOnInit());
-    EXPECT_EQ("main", env.getStopFunction());
-    EXPECT_FALSE(env.isDeleteAllBPsOnInit());
+    EXPECT_TRUE(env.isAutoConnectToQuillon() && env.isAlwaysRunInitSeqBeforeRun() && env.isResetOnInit());
+    EXPECT_FALSE(env.idDownloadOnInit() || env.isRunOnInit() || env.isDeleteAllBPsOnInit());
     StrVector modules;
     env.getScriptModules(modules);
     EXPECT_EQ((StrVector{"mod1", "mod 2"}), modules);
-    EXPECT_EQ("scripts", env.getScriptPath());
-    EXPECT_EQ("rv", env.getDefaultReturnValueName());
-    EXPECT_FALSE(env.isEmpty());
-
-    EXPECT_EQ(FULL_ENV, yamlOf(host));
 }
 
 TEST(CTestEnvironmentConfig, WritesKeysInFixedOrderAndToStringWithoutKey)
 {
     EnvHost host;
     CYAMLUtil::parseYAML(host, "env: &e {defaultRetValName: rv, port: 1, workspace: w}");
-    EXPECT_EQ("env: &e {workspace: w, port: 1, defaultRetValName: rv}\n", yamlOf(host));
+    EXPECT_EQ("env: &e {workspace: w, port: 1, defaultRetValName: rv}\n", toYaml(host));
     EXPECT_EQ("&e {workspace: w, port: 1, defaultRetValName: rv}\n", host.section.toString());
 }
 
-TEST(CTestEnvironmentConfig, EmptinessAndClearedBools)
+TEST(CTestEnvironmentConfig, WhatCountsAsEmpty)
 {
     CTestEnvironmentConfig env;
-    EXPECT_TRUE(env.isEmpty());
-    EXPECT_EQ(0, env.getPort());
-    EXPECT_EQ("{}\n", env.toString());
-
     env.setLoggingParameters("[a, b]");
     EXPECT_TRUE(env.isEmpty()) << "logging parameters do not count";
     EXPECT_EQ("{}\n", env.toString()) << "logging parameters are not written";
@@ -94,6 +73,10 @@ TEST(CTestEnvironmentConfig, EmptinessAndClearedBools)
     EXPECT_EQ("autoConnect: false\n", env.toString());
 
     CTestEnvironmentConfig cleared;
+    cleared.setPort(5000);
+    EXPECT_EQ("port: 5000\n", cleared.toString());
+    cleared.setPort(0);
+    EXPECT_TRUE(cleared.isEmpty()) << "port 0 removes the key";
     cleared.setResetOnInit(true);
     cleared.setDownloadOnInit(true);
     cleared.setRunOnInit(true);
@@ -104,25 +87,14 @@ TEST(CTestEnvironmentConfig, EmptinessAndClearedBools)
     cleared.clearDeleteAllBPsOnInit();
     EXPECT_FALSE(cleared.isResetOnInit() || cleared.idDownloadOnInit() || cleared.isRunOnInit() ||
                  cleared.isDeleteAllBPsOnInit());
-    EXPECT_TRUE(cleared.isEmpty());
     EXPECT_EQ("{}\n", cleared.toString());
 }
 
-TEST(CTestEnvironmentConfig, PortConversion)
+TEST(CTestEnvironmentConfig, PortIsReadAsTextAndConvertedWhenAskedFor)
 {
     EnvHost host;
     CYAMLUtil::parseYAML(host, "env: {port: abc}");
-    EXPECT_EQ("Integer expected: abc\n",
-              kestrix_test::failureOf<IllegalArgumentException>([&] { host.section.getPort(); }))
-        << "read as text, converted when asked for";
-
-    CTestEnvironmentConfig env;
-    env.setPort(5000);
-    EXPECT_EQ(5000, env.getPort());
-    EXPECT_EQ("port: 5000\n", env.toString());
-    env.setPort(0);
-    EXPECT_EQ(0, env.getPort());
-    EXPECT_TRUE(env.isEmpty()) << "port 0 removes the key";
+    EXPECT_EQ("Integer expected: abc\n", failureOf<IllegalArgumentException>([&] { host.section.getPort(); }));
 }
 
 TEST(CTestEnvironmentConfig, TextAndListSetters)
@@ -136,15 +108,8 @@ TEST(CTestEnvironmentConfig, TextAndListSetters)
     env.setAlwaysRunInitSeqBeforeRun(true);
     env.setScriptModules("[a, \"b\"]");
     EXPECT_EQ("my ws.xjrf", env.getWorkspace());
-    EXPECT_EQ("workspace: 'my ws.xjrf'\n"
-              "address: host\n"
-              "initBeforeRun: true\n"
-              "stopFunction: main\n"
-              "scriptModules:\n"
-              "- a\n"
-              "- \"b\"\n"
-              "scriptPath: p\n"
-              "defaultRetValName: rv\n",
+    EXPECT_EQ("workspace: 'my ws.xjrf'\naddress: host\ninitBeforeRun: true\nstopFunction: main\nscriptModules:\n"
+              "- a\n- \"b\"\nscriptPath: p\ndefaultRetValName: rv\n",
               env.toString());
 
     EXPECT_THROW(env.setWorkspace("a, b"), ParserException);
@@ -160,20 +125,30 @@ TEST(CTestEnvironmentConfig, ListSetterKeepsTheStyleOfTheFile)
     EnvHost host;
     CYAMLUtil::parseYAML(host, "env:\n  scriptModules: &m [a, b]\n");
     host.section.setScriptModules("- c\n- d\n");
-    EXPECT_EQ("env:\n  scriptModules: &m [c, d]\n", yamlOf(host));
+    EXPECT_EQ("env:\n  scriptModules: &m [c, d]\n", toYaml(host));
 }
 
-TEST(CTestEnvironmentConfig, RefusesRepeatedKeys)
+TEST(CTestEnvironmentConfig, RefusalsNameTheFaultAndItsPlace)
 {
-    EnvHost host;
-    auto failure = parseFailure(host, "env: {workspace: a, workspace: b}");
-    EXPECT_EQ("Illegal argument", failure.desc);
-    EXPECT_EQ("Data already defined in this specification: workspace", failure.message);
-    EXPECT_EQ("[Line: 1  Col: 32]", failure.position);
-
-    EXPECT_EQ("Data already defined in this specification: autoConnect",
-              refusal("env:\n  autoConnect: false\n  autoConnect: true\n"));
-    EXPECT_EQ("Script modules are already defined!", refusal("env:\n  scriptModules: [a]\n  scriptModules: [b]\n"));
+    expectRefusals(
+        {
+            {"env: {workspace: a, workspace: b}", "Data already defined in this specification: workspace",
+             "[Line: 1  Col: 32]"},
+            {"env:\n  autoConnect: false\n  autoConnect: true\n", "Data already defined in this specification: autoConnect",
+             "[Line: 4  Col: 0]"},
+            {"env:\n  scriptModules: [a]\n  scriptModules: [b]\n", "Script modules are already defined!", "[Line: 3  Col: 16]"},
+            {"env:\n  scriptModules: x\n", "Section modules must contain list, not scalar. Use '[' and ']'!", "[Line: 3  Col: 0]"},
+            {"env:\n  scriptModules: [a, [b]]\n", "Nested sequences are not allowed!", "[Line: 2  Col: 25]"},
+            {"env: {other: 1}", "Unknown tag in the main section of 'config': other", "[Line: 1  Col: 14]"},
+            {"env: {other: {a: 1}}", "No mappings allowed in the main section!", "[Line: 1  Col: 14]"},
+            {"env: {workspace: [a]}", "Sequence not allowed in 'config' section!", "[Line: 1  Col: 18]"},
+            // A second block for the same section.
+            {"env: {port: 1}\nenv: {address: a}\n", "No mappings allowed in the main section!", "[Line: 2  Col: 6]"},
+            {"env: {runOnInit: on}",
+             "Invalid value of bool item. Should be one of 'true', 'false', 'yes', 'no', '1', or '0', but it is: on",
+             "[Line: 1  Col: 19]"},
+        },
+        refused);
 
     EnvHost emptyFirst;
     CYAMLUtil::parseYAML(emptyFirst, "env:\n  workspace: ''\n  workspace: b\n  scriptModules: []\n  scriptModules: [c]\n");
@@ -183,28 +158,15 @@ TEST(CTestEnvironmentConfig, RefusesRepeatedKeys)
     EXPECT_EQ(StrVector{"c"}, modules);
 }
 
-TEST(CTestEnvironmentConfig, RefusesWrongShapes)
-{
-    EXPECT_EQ("Section modules must contain list, not scalar. Use '[' and ']'!", refusal("env:\n  scriptModules: x\n"));
-    EXPECT_EQ("Nested sequences are not allowed!", refusal("env:\n  scriptModules: [a, [b]]\n"));
-    EXPECT_EQ("Unknown tag in the main section of 'config': other", refusal("env: {other: 1}"));
-    EXPECT_EQ("No mappings allowed in the main section!", refusal("env: {other: {a: 1}}"));
-    EXPECT_EQ("Sequence not allowed in 'config' section!", refusal("env: {workspace: [a]}"));
-    EXPECT_EQ("No mappings allowed in the main section!", refusal("env: {port: 1}\nenv: {address: a}\n"))
-        << "a second block for the same section";
-    EXPECT_EQ("Invalid value of bool item. Should be one of 'true', 'false', 'yes', 'no', '1', or '0', but it is: on",
-              refusal("env: {runOnInit: on}"));
-}
-
 TEST(CTestEnvironmentConfig, RefusesEventsOutsideItsMapping)
 {
     CTestEnvironmentConfig env(nullptr);
-    kestrix_test::ParsedEvents events("[x]");
+    ParsedEvents events("[x]");
     const yaml_event_t& scalar = events.get(YAML_SCALAR_EVENT);
     EXPECT_EQ("Invalid section type for mapping. Key: 'x':   Section: 0\n",
-              kestrix_test::failureOf<ParserException>([&] { env.mappingKey(scalar); }));
+              failureOf<ParserException>([&] { env.mappingKey(scalar); }));
     EXPECT_EQ("Sequence scalar not allowed in 'config' section: x\n",
-              kestrix_test::failureOf<ParserException>([&] { env.sequenceValue(scalar); }));
+              failureOf<ParserException>([&] { env.sequenceValue(scalar); }));
     EXPECT_EQ("Sequence not allowed in 'config' section!\n",
-              kestrix_test::failureOf<ParserException>([&] { env.sequenceEnd(); }));
+              failureOf<ParserException>([&] { env.sequenceEnd(); }));
 }

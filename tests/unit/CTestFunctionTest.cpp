@@ -7,55 +7,40 @@ using namespace kestrix_test;
 
 namespace {
 
-struct FunctionForm {
-    const char* text;
-    const char* name;
-    const char* params;
-    const char* retVal;
-    const char* written;
-};
-
-class CTestFunctionForms : public ::testing::TestWithParam<FunctionForm> {};
-
-TEST_P(CTestFunctionForms, ReadsEachAcceptedFormAndWritesItsShortestForm)
+TEST(CTestFunction, ReadsEachAcceptedFormAndWritesItsShortestForm)
 {
-    const FunctionForm& form = GetParam();
-    auto host = parsed(std::string("func: ") + form.text + "\n");
-
-    EXPECT_EQ(form.name, host->func.getName());
-    StrVector params;
-    host->func.getPositionParams(params);
-    EXPECT_EQ(form.params, CYAMLUtil::strVector2Str(params));
-    EXPECT_EQ(std::string(form.params).empty(), !host->func.hasPositionParams());
-    EXPECT_EQ(form.retVal, host->func.getRetValueName());
-    EXPECT_EQ(std::string("func: ") + form.written + "\n", toYaml(*host));
+    // text, name, parameters, return value name, text written
+    const char* const forms[][5] = {
+        {"[f]", "f", "", "", "[f]"},
+        {"[f, []]", "f", "", "", "[f]"},
+        {"[f, [a, b]]", "f", "a, b", "", "[f, [a, b]]"},
+        {"[f, [], r]", "f", "", "r", "[f, [], r]"},
+        {"[f, [a, b], r]", "f", "a, b", "r", "[f, [a, b], r]"},
+        {"[f, {}, r]", "f", "", "r", "[f, [], r]"},
+    };
+    for (const auto& form : forms) {
+        SCOPED_TRACE(form[0]);
+        auto host = parsed(std::string("func: ") + form[0] + "\n");
+        EXPECT_EQ(form[1], host->func.getName());
+        StrVector params;
+        host->func.getPositionParams(params);
+        EXPECT_EQ(form[2], CYAMLUtil::strVector2Str(params));
+        EXPECT_EQ(std::string(form[2]).empty(), !host->func.hasPositionParams());
+        EXPECT_EQ(form[3], host->func.getRetValueName());
+        EXPECT_EQ(std::string("func: ") + form[4] + "\n", toYaml(*host));
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Forms, CTestFunctionForms,
-    ::testing::Values(FunctionForm{"[f]", "f", "", "", "[f]"},
-                      FunctionForm{"[f, []]", "f", "", "", "[f]"},
-                      FunctionForm{"[f, [a, b]]", "f", "a, b", "", "[f, [a, b]]"},
-                      FunctionForm{"[f, [], r]", "f", "", "r", "[f, [], r]"},
-                      FunctionForm{"[f, [a, b], r]", "f", "a, b", "r", "[f, [a, b], r]"},
-                      FunctionForm{"[f, {}, r]", "f", "", "r", "[f, [], r]"}));
-
-TEST(CTestFunction, BlockStyleIsReadAndWrittenBack)
+TEST(CTestFunction, RoundTripKeepsBlockStyleQuotesAnchorsAndTags)
 {
-    const std::string text = "func:\n- f\n- - a\n  - 2\n- r\n";
-    auto host = parsed(text);
-    EXPECT_EQ("f", host->func.getName());
-    EXPECT_EQ("r", host->func.getRetValueName());
-    EXPECT_EQ(text, toYaml(*host));
-}
-
-TEST(CTestFunction, RoundTripKeepsQuotesAnchorsAndTags)
-{
-    const std::string text = "func: &fn [\"my f\", [\"abc\", 'c', 'long', x], !t 'r']\n";
-    auto host = parsed(text);
-    const std::string written = toYaml(*host);
-    EXPECT_EQ(text, written);
-    EXPECT_EQ(written, toYaml(*parsed(written)));
+    for (const std::string text :
+         {"func:\n- f\n- - a\n  - 2\n- r\n", "func: &fn [\"my f\", [\"abc\", 'c', 'long', x], !t 'r']\n"}) {
+        auto host = parsed(text);
+        const std::string written = toYaml(*host);
+        EXPECT_EQ(text, written);
+        EXPECT_EQ(written, toYaml(*parsed(written)));
+    }
+    EXPECT_EQ("r", parsed("func:\n- f\n- - a\n- r\n")->func.getRetValueName());
 }
 
 TEST(CTestFunction, PositionParamsAreExpressionText)
@@ -66,47 +51,31 @@ TEST(CTestFunction, PositionParamsAreExpressionText)
     EXPECT_EQ((StrVector{"kept", "\"abc\"", "'c'", "'\\n'", "long", "x + 1"}), params);
 }
 
-struct Refusal {
-    const char* text;
-    const char* message;
-    int line;
-};
-
-class CTestFunctionRefusals : public ::testing::TestWithParam<Refusal> {};
-
-TEST_P(CTestFunctionRefusals, NamesTheFaultAndItsPlace)
+TEST(CTestFunction, RefusalsNameTheFaultAndItsPlace)
 {
-    const Refusal& refusal = GetParam();
-    ParseFailure failure = parseFailure(refusal.text);
-    EXPECT_EQ(refusal.message, failure.message);
-    EXPECT_EQ(0u, failure.position.find("[Line: " + std::to_string(refusal.line) + "  Col: ")) << failure.position;
+    expectRefusals(
+        {{"func: f\n",
+          "Function call specification should be described as a list: '[funcName, ...]'! Given as scalar: 'f'",
+          "[Line: 2  Col: 0]"},
+         {"func: [f, r]\n",
+          "List of parameters missing after function name. If there are no parameters, specify "
+          "empty list as [], for example: func: [f, [], reValName]",
+          "[Line: 1  Col: 12]"},
+         {"func: []\n", "Invalid section at sequence end: 1", "[Line: 1  Col: 8]"},
+         {"func: {a: 1}\n", "Function name must be the first item!", "[Line: 1  Col: 7]"},
+         {"func: [{a: 1}]\n", "Parameters expected!", "[Line: 1  Col: 14]"},
+         {"func: [f, {a: 1}]\n", "Invalid section for map in function tag. Value: 1", "[Line: 1  Col: 17]"},
+         {"func: [f, {a: }]\n", "Invalid section for map in function tag. Value: ", "[Line: 1  Col: 16]"},
+         {"func: [f, [a, [b]]]\n", "Invalid specification for function call! Unexpected sequence start!",
+          "[Line: 1  Col: 19]"},
+         {"func: [f, [], r, x]\n", "Internal error in section 'function'. Invalid state: 6   Scalar value: x",
+          "[Line: 1  Col: 19]"},
+         {"func: [f, [], [r]]\n", "Invalid specification for function call! Unexpected sequence start!",
+          "[Line: 1  Col: 18]"},
+         {"func: [f]\nfunc: [g]\n", "Invalid specification for function call! Unexpected sequence start!",
+          "[Line: 2  Col: 7]"},
+         {"func:\n- f\n- - a\n  - b: 1\n", "Parameters expected!", "[Line: 4  Col: 6]"}});
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Refusals, CTestFunctionRefusals,
-    ::testing::Values(
-        Refusal{"func: f\n",
-                "Function call specification should be described as a list: '[funcName, ...]'! "
-                "Given as scalar: 'f'",
-                2},
-        Refusal{"func: [f, r]\n",
-                "List of parameters missing after function name. If there are no parameters, specify "
-                "empty list as [], for example: func: [f, [], reValName]",
-                1},
-        Refusal{"func: []\n", "Invalid section at sequence end: 1", 1},
-        Refusal{"func: {a: 1}\n", "Function name must be the first item!", 1},
-        Refusal{"func: [{a: 1}]\n", "Parameters expected!", 1},
-        Refusal{"func: [f, {a: 1}]\n", "Invalid section for map in function tag. Value: 1", 1},
-        Refusal{"func: [f, {a: }]\n", "Invalid section for map in function tag. Value: ", 1},
-        Refusal{"func: [f, [a, [b]]]\n", "Invalid specification for function call! Unexpected sequence start!",
-                1},
-        Refusal{"func: [f, [], r, x]\n", "Internal error in section 'function'. Invalid state: 6   Scalar value: x",
-                1},
-        Refusal{"func: [f, [], [r]]\n", "Invalid specification for function call! Unexpected sequence start!",
-                1},
-        Refusal{"func: [f]\nfunc: [g]\n", "Invalid specification for function call! Unexpected sequence start!",
-                2},
-        Refusal{"func:\n- f\n- - a\n  - b: 1\n", "Parameters expected!", 4}));
 
 TEST(CTestFunction, EmptyWithoutNameAndThenWritesNothing)
 {

@@ -3,27 +3,20 @@
 #include <string>
 
 #include "CTestReportConfig.h"
-#include "SectionHostSupport.h"
+#include "SectionTestSupport.h"
 #include "YamlTestSupport.h"
 
 using namespace kestrix;
-using kestrix_test::config::parseFailure;
-using kestrix_test::config::SectionHost;
-using kestrix_test::config::yamlOf;
+using namespace kestrix_test;
 
 namespace {
 
 /// The section writes its own key, so the host only opens the root mapping.
-class ReportHost : public SectionHost<CTestReportConfig> {
-public:
-    ReportHost() : SectionHost<CTestReportConfig>("reportConfig", false) {}
+struct ReportHost : public KeyHost<CTestReportConfig> {
+    ReportHost() : KeyHost<CTestReportConfig>("reportConfig", false) {}
 };
 
-std::string refusal(const std::string& text)
-{
-    ReportHost host;
-    return parseFailure(host, text).message;
-}
+const auto refused = freshHost<CTestReportConfig>("reportConfig");
 
 const char* const FULL_REPORT = "reportConfig:\n"
                                 "  reportContents: errorsOnly\n"
@@ -45,11 +38,9 @@ TEST(CTestReportConfig, ReadsAllKeysAndWritesThemBack)
     ReportHost host;
     CYAMLUtil::parseYAML(host, FULL_REPORT);
     const CTestReportConfig& report = host.section;
-
     EXPECT_EQ(CTestReportConfig::rcErrorsOnly, report.getReportContents());
     EXPECT_EQ(CTestReportConfig::ofYaml, report.getOutputFormat());
     EXPECT_EQ("report.yaml", report.getFileName());
-    EXPECT_EQ("full.xslt", report.getXsltForFullReport());
     EXPECT_EQ("errors.xslt", report.getSelectedXsltFileName());
     EXPECT_TRUE(report.isIncludeTestSpec());
     EXPECT_FALSE(report.isUseCustomTime());
@@ -58,7 +49,7 @@ TEST(CTestReportConfig, ReadsAllKeysAndWritesThemBack)
     EXPECT_EQ((StrStrMap{{"\"board\"", "rev 2"}, {"date", "2026"}, {"tester", "someone"}}), info)
         << "sorted by key; expression texts";
 
-    EXPECT_EQ(FULL_REPORT, yamlOf(host)) << "testInfo keeps the order of the file";
+    EXPECT_EQ(FULL_REPORT, toYaml(host)) << "testInfo keeps the order of the file";
     EXPECT_EQ(FULL_REPORT, report.toString());
 }
 
@@ -66,7 +57,7 @@ TEST(CTestReportConfig, WritesAnEmptyTestInfoInANonEmptySection)
 {
     ReportHost host;
     CYAMLUtil::parseYAML(host, "reportConfig: {fileName: r.xml}");
-    EXPECT_EQ("reportConfig:\n  fileName: r.xml\n  testInfo: {}\n", yamlOf(host))
+    EXPECT_EQ("reportConfig:\n  fileName: r.xml\n  testInfo: {}\n", toYaml(host))
         << "the block's own style is not used for writing";
     EXPECT_EQ(CTestReportConfig::rcFull, host.section.getReportContents());
     EXPECT_EQ(CTestReportConfig::ofXml, host.section.getOutputFormat());
@@ -101,19 +92,12 @@ TEST(CTestReportConfig, Setters)
     report.setUseCustomTime(true);
     report.setUserInfo("{b: 2, a: \"x y\"}");
     report.addUserInfo("c", "3");
-    EXPECT_EQ("reportConfig:\n"
-              "  outFormat: xml\n"
-              "  fileName: \"out.xml\"\n"
-              "  isIncludeTestSpec: false\n"
-              "  useCustomTime: true\n"
-              "  testInfo:\n"
-              "    b: 2\n"
-              "    a: \"x y\"\n"
-              "    c: 3\n",
+    EXPECT_EQ("reportConfig:\n  outFormat: xml\n  fileName: \"out.xml\"\n  isIncludeTestSpec: false\n  useCustomTime: true\n"
+              "  testInfo:\n    b: 2\n    a: \"x y\"\n    c: 3\n",
               report.toString());
 
     EXPECT_EQ("Map item with this key is already defined. Duplicates are not allowed!\n  data:\n    key: a\n",
-              kestrix_test::failureOf<IllegalArgumentException>([&] { report.addUserInfo("a", "1"); }));
+              failureOf<IllegalArgumentException>([&] { report.addUserInfo("a", "1"); }));
     EXPECT_THROW(report.setUserInfo("{a: 1, a: 2}"), ParserException);
     EXPECT_THROW(report.setFileName("a, b"), ParserException);
     StrStrMap info;
@@ -130,7 +114,7 @@ TEST(CTestReportConfig, UserInfoSetterKeepsTheStyleOfTheFile)
     ReportHost host;
     CYAMLUtil::parseYAML(host, "reportConfig:\n  testInfo: &i {a: 1}\n");
     host.section.setUserInfo("z: 9\ny: 8\n");
-    EXPECT_EQ("reportConfig:\n  testInfo: &i {z: 9, y: 8}\n", yamlOf(host));
+    EXPECT_EQ("reportConfig:\n  testInfo: &i {z: 9, y: 8}\n", toYaml(host));
 }
 
 TEST(CTestReportConfig, AssignCopiesDeeply)
@@ -146,30 +130,31 @@ TEST(CTestReportConfig, AssignCopiesDeeply)
     EXPECT_EQ(FULL_REPORT, host.section.toString()) << "the source is not shared";
 }
 
-TEST(CTestReportConfig, RefusesRepeatedKeysAndWrongShapes)
+TEST(CTestReportConfig, RefusalsNameTheFaultAndItsPlace)
 {
-    ReportHost host;
-    auto failure = parseFailure(host, "reportConfig:\n  fileName: a\n  fileName: b\n");
-    EXPECT_EQ("Data already defined in this specification: fileName", failure.message);
-    EXPECT_EQ("[Line: 4  Col: 0]", failure.position);
-
-    EXPECT_EQ("Data already defined in this specification: testInfo",
-              refusal("reportConfig:\n  testInfo: {a: 1}\n  testInfo: {b: 2}\n"));
-    EXPECT_EQ("Data already defined in this specification: outFormat",
-              refusal("reportConfig: {outFormat: xml, outFormat: yaml}"));
-    EXPECT_EQ("Invalid string value for enum : 'pdf'", refusal("reportConfig: {outFormat: pdf}"));
-    EXPECT_EQ("Unknown tag in the main section of 'reportConfig': other", refusal("reportConfig: {other: 1}"));
-    EXPECT_EQ("Mapping not allowed or invalid tag!", refusal("reportConfig: {fileName: {a: 1}}"));
-    EXPECT_EQ("Sequence not allowed in 'reportConfig' section!", refusal("reportConfig: {fileName: [a]}"));
-    EXPECT_EQ("Nested maps are not allowed!", refusal("reportConfig: {testInfo: {a: {b: 1}}}"));
+    expectRefusals(
+        {
+            {"reportConfig:\n  fileName: a\n  fileName: b\n", "Data already defined in this specification: fileName",
+             "[Line: 4  Col: 0]"},
+            {"reportConfig:\n  testInfo: {a: 1}\n  testInfo: {b: 2}\n",
+             "Data already defined in this specification: testInfo", "[Line: 3  Col: 11]"},
+            {"reportConfig: {outFormat: xml, outFormat: yaml}", "Data already defined in this specification: outFormat",
+             "[Line: 1  Col: 46]"},
+            {"reportConfig: {outFormat: pdf}", "Invalid string value for enum : 'pdf'", "[Line: 1  Col: 29]"},
+            {"reportConfig: {other: 1}", "Unknown tag in the main section of 'reportConfig': other", "[Line: 1  Col: 23]"},
+            {"reportConfig: {fileName: {a: 1}}", "Mapping not allowed or invalid tag!", "[Line: 1  Col: 26]"},
+            {"reportConfig: {fileName: [a]}", "Sequence not allowed in 'reportConfig' section!", "[Line: 1  Col: 26]"},
+            {"reportConfig: {testInfo: {a: {b: 1}}}", "Nested maps are not allowed!", "[Line: 1  Col: 30]"},
+        },
+        refused);
 }
 
 TEST(CTestReportConfig, RefusesSequenceEvents)
 {
     CTestReportConfig report;
-    kestrix_test::ParsedEvents events("[x]");
+    ParsedEvents events("[x]");
     EXPECT_EQ("Sequence scalar not allowed in 'reportConfig' section!\n",
-              kestrix_test::failureOf<ParserException>([&] { report.sequenceValue(events.get(YAML_SCALAR_EVENT)); }));
+              failureOf<ParserException>([&] { report.sequenceValue(events.get(YAML_SCALAR_EVENT)); }));
     EXPECT_EQ("Sequence end not allowed in 'reportConfig' section!\n",
-              kestrix_test::failureOf<ParserException>([&] { report.sequenceEnd(); }));
+              failureOf<ParserException>([&] { report.sequenceEnd(); }));
 }

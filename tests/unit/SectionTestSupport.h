@@ -1,29 +1,24 @@
 #pragma once
 
-// Helpers of the section tests, shared by the function/stub/HIL tests and the analyzer
-// section tests: a root mapping that hands keys to sections, YAML text of what it holds, and
-// parse failures split into message and position (or kept whole).
-//
-// A default SectionHost acts as a small test specification with the keys "func", "script",
-// "hil" and "stubs"; a SectionHost made with a key hands each occurrence of that key to the
-// section given by `setSection` and refuses everything else.
+// Helpers of the section tests: root mappings that hand keys to sections, the YAML text of
+// what they hold, and parse failures split into message and position (or kept whole).
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <memory>
-#include <sstream>
 #include <string>
+#include <vector>
 
 #include "CStringStream.h"
 #include "CTestFunction.h"
 #include "CTestHIL.h"
 #include "CTestStub.h"
 #include "CYAMLEmitter.h"
+#include "CYAMLMap.h"
 #include "CYAMLUtil.h"
-#include "IEmitter.h"
+#include "Exceptions.h"
 #include "ITestParserEventReceiver.h"
-#include "ParserException.h"
 
 namespace kestrix_test {
 // Inline namespace: other test helpers use the same names in kestrix_test, and one binary
@@ -32,6 +27,7 @@ inline namespace section_tests {
 
 using namespace kestrix;
 
+/// A root mapping with the keys "func", "script", "hil" and "stubs", as a test has them.
 class SectionHost : public ITestParserEventReceiver {
 public:
     CTestFunction func{this};
@@ -39,20 +35,8 @@ public:
     CTestHIL hil{this};
     StubsVector stubs;
 
-    SectionHost() = default;
-    explicit SectionHost(const std::string& key) : m_hostKey(key) {}
-
-    void setSection(ITestParserEventReceiver* section) { m_section = section; }
-
     ITestParserEventReceiver* mappingStart(const yaml_event_t& event) override
     {
-        if (!m_hostKey.empty()) {
-            if (m_isOpen) {
-                throw ParserException(KX_POS, "host: nested mapping");
-            }
-            m_isOpen = true;
-            return this;
-        }
         if (!m_inStubs) {
             return this;
         }
@@ -62,62 +46,32 @@ public:
     ITestParserEventReceiver* mappingKey(const yaml_event_t& event) override
     {
         m_key = CYAMLScalar(event).getValue();
-        if (!m_hostKey.empty()) {
-            if (m_key != m_hostKey) {
-                throw ParserException(KX_POS, "host: unknown key " + m_key);
-            }
-            return m_section;
+        if (m_key == "func" || m_key == "script" || m_key == "hil") {
+            return m_key == "func" ? &func : m_key == "script" ? &script : static_cast<ITestParserEventReceiver*>(&hil);
         }
-        if (m_key == "func") {
-            return &func;
-        }
-        if (m_key == "script") {
-            return &script;
-        }
-        if (m_key == "hil") {
-            return &hil;
-        }
-        if (m_key == "stubs") {
-            return this;
-        }
-        throw ParserException(KX_POS, "test host: unknown key ", m_key);
+        return m_key == "stubs" ? this : refuse();
     }
-    ITestParserEventReceiver* mappingValue(const yaml_event_t&) override
-    {
-        throw ParserException(KX_POS, "test host: scalar value");
-    }
+    ITestParserEventReceiver* mappingValue(const yaml_event_t&) override { return refuse(); }
     ITestParserEventReceiver* mappingEnd() override { return nullptr; }
     ITestParserEventReceiver* sequenceStart(const yaml_event_t&) override
     {
-        if (!m_hostKey.empty() || m_key != "stubs" || m_inStubs) {
-            throw ParserException(KX_POS, "test host: sequence");
+        if (m_key != "stubs" || m_inStubs) {
+            return refuse();
         }
         m_inStubs = true;
         return this;
     }
-    ITestParserEventReceiver* sequenceValue(const yaml_event_t&) override
-    {
-        throw ParserException(KX_POS, "test host: sequence value");
-    }
+    ITestParserEventReceiver* sequenceValue(const yaml_event_t&) override { return refuse(); }
     ITestParserEventReceiver* sequenceEnd() override
     {
-        if (!m_hostKey.empty()) {
-            throw ParserException(KX_POS, "host: unexpected");
-        }
         m_inStubs = false;
         return this;
     }
     void serialize(std::shared_ptr<IEmitter> emitter) override
     {
         emitter->mapStart();
-        if (!func.isEmpty()) {
-            emitter->write("func");
-            func.serialize(emitter);
-        }
-        if (!script.isEmpty()) {
-            emitter->write("script");
-            script.serialize(emitter);
-        }
+        writeIfSet(emitter, "func", func);
+        writeIfSet(emitter, "script", script);
         if (!stubs.empty()) {
             emitter->write("stubs");
             emitter->sequenceStart();
@@ -126,50 +80,99 @@ public:
             }
             emitter->sequenceEnd();
         }
-        if (!hil.isEmpty()) {
-            emitter->write("hil");
-            hil.serialize(emitter);
-        }
+        writeIfSet(emitter, "hil", hil);
         emitter->mapEnd();
     }
 
 private:
-    std::string m_hostKey;
-    ITestParserEventReceiver* m_section = nullptr;
-    bool m_isOpen = false;
+    ITestParserEventReceiver* refuse() { throw ParserException(KX_POS, "test host: unexpected at key ", m_key); }
+
+    template <class S>
+    static void writeIfSet(const std::shared_ptr<IEmitter>& emitter, const char* key, S& section)
+    {
+        if (!section.isEmpty()) {
+            emitter->write(key);
+            section.serialize(emitter);
+        }
+    }
+
     std::string m_key;
     bool m_inStubs = false;
 };
 
-/// The YAML text of one object as the root of a document.
-inline std::string toYaml(ITestParserEventReceiver& root)
+/// A root mapping with the single key `key`, whose block belongs to `section`; the root keeps
+/// its style when written.
+template <class S>
+class KeyHost : public ITestParserEventReceiver {
+public:
+    /// `isKeyWritten`: the host writes the key itself, since the section does not.
+    explicit KeyHost(const std::string& key, bool isKeyWritten = true)
+        : section(this), m_key(key), m_isKeyWritten(isKeyWritten)
+    {
+    }
+
+    ITestParserEventReceiver* mappingStart(const yaml_event_t& event) override
+    {
+        m_map = CYAMLMap(event);
+        return this;
+    }
+    ITestParserEventReceiver* mappingKey(const yaml_event_t& event) override
+    {
+        std::string key = CYAMLScalar(event).getValue();
+        if (key != m_key) {
+            throw ParserException(KX_POS, "host: unexpected key " + key);
+        }
+        return &section;
+    }
+    ITestParserEventReceiver* mappingValue(const yaml_event_t&) override { return refuse(); }
+    ITestParserEventReceiver* mappingEnd() override { return nullptr; }
+    ITestParserEventReceiver* sequenceStart(const yaml_event_t&) override { return refuse(); }
+    ITestParserEventReceiver* sequenceValue(const yaml_event_t&) override { return refuse(); }
+    ITestParserEventReceiver* sequenceEnd() override { return refuse(); }
+    void serialize(std::shared_ptr<IEmitter> emitter) override
+    {
+        emitter->writeMapStart(m_map);
+        if (m_isKeyWritten) {
+            emitter->write(m_key);
+        }
+        section.serialize(emitter);
+        emitter->writeMapEnd();
+    }
+
+    S section;
+
+private:
+    static ITestParserEventReceiver* refuse() { throw ParserException(KX_POS, "host: unexpected event"); }
+
+    std::string m_key;
+    bool m_isKeyWritten;
+    CYAMLMap m_map;
+};
+
+/// The YAML document of a root mapping with `key` (unless empty) and what `section` writes.
+inline std::string written(const std::string& key, ITestParserEventReceiver& section)
 {
     auto stream = std::make_shared<CStringStream>();
     auto emitter = std::make_shared<CYAMLEmitter>(stream);
     emitter->startStream();
     emitter->startDocument(true);
-    root.serialize(emitter);
+    if (!key.empty()) {
+        emitter->mapStart();
+        emitter->write(key);
+    }
+    section.serialize(emitter);
+    if (!key.empty()) {
+        emitter->mapEnd();
+    }
     emitter->endDocument(true);
     emitter->endStream();
     return stream->getString();
 }
 
-/// The YAML document of a root mapping with `key` and what `section` writes as its value.
-inline std::string written(const std::string& key, ITestParserEventReceiver& section)
+/// The YAML text of one object as the root of a document.
+inline std::string toYaml(ITestParserEventReceiver& root)
 {
-    std::ostringstream out;
-    {
-        auto emitter = std::make_shared<CYAMLEmitter>(&out);
-        emitter->startStream();
-        emitter->startDocument(true);
-        emitter->mapStart();
-        emitter->write(key);
-        section.serialize(emitter);
-        emitter->mapEnd();
-        emitter->endDocument(true);
-        emitter->endStream();
-    }
-    return out.str();
+    return written("", root);
 }
 
 /// Reads `text` into a new host.
@@ -202,8 +205,9 @@ inline ParseFailure failureOf(const std::function<void()>& action)
         if (start == std::string::npos) {
             return {e.getDesc(), "", e.getDesc(), data};
         }
-        size_t pos = data.find("[Line: ");
-        return {data.substr(start + 7, data.find("  [/", start) - start - 7),
+        size_t end = data.find("  [/", start);
+        size_t pos = data.rfind("[Line: ");
+        return {data.substr(start + 7, end == std::string::npos ? end : end - start - 7),
                 pos == std::string::npos ? "" : data.substr(pos, data.find(']', pos) + 1 - pos), e.getDesc(),
                 data};
     } catch (const std::exception& e) {
@@ -227,6 +231,37 @@ inline ParseFailure parseFailure(const std::string& text)
 inline std::string refusal(const std::function<void()>& action)
 {
     return failureOf(action).message;
+}
+
+/// One refused text: the message and the position text "[Line: n  Col: m]".
+struct Refusal {
+    std::string text;
+    std::string message;
+    std::string position;
+};
+
+/// Parses a text with a fresh host of the single key `key`.
+template <class S>
+std::function<ParseFailure(const std::string&)> freshHost(const std::string& key)
+{
+    return [key](const std::string& text) {
+        KeyHost<S> host(key);
+        return parseFailure(host, text);
+    };
+}
+
+/// Checks the message and the position of each refused text.
+inline void expectRefusals(const std::vector<Refusal>& refusals,
+                           const std::function<ParseFailure(const std::string&)>& parse =
+                               [](const std::string& text) { return parseFailure(text); })
+{
+    for (const Refusal& r : refusals) {
+        SCOPED_TRACE(r.text);
+        const ParseFailure failure = parse(r.text);
+        EXPECT_EQ("Illegal argument", failure.desc);
+        EXPECT_EQ(r.message, failure.message) << failure.context;
+        EXPECT_EQ(r.position, failure.position);
+    }
 }
 
 } // namespace section_tests
