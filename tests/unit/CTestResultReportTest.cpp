@@ -290,29 +290,17 @@ TEST(CTestResultReportTest, CoverageErrorsOnlyListsFailedFunctionsAndItems)
                                           CCoverageStatistic(10, 1, 0, 0, 0, 0, 0));
     CTestResult result(spec, StrVector(), coverage, {}, {});
 
-    EXPECT_EQ(xmlDoc("          <testId>t2</testId>\n"
-              "          <function>add</function>\n"
-              "          <isError>1</isError>\n"
-              "          <coverage>\n"
-              "            <sequence>\n"
-              "              <map>\n"
-              "                <function>add</function>\n"
-              "                <branchesExecuted>\n"
-              "                  <map>\n"
-              "                    <expected>0.5</expected>\n"
-              "                    <measuredRel>0.25</measuredRel>\n"
-              "                  </map>\n"
-              "                </branchesExecuted>\n"
-              "                <branchesBoth>\n"
-              "                  <map>\n"
-              "                    <expected>0.25</expected>\n"
-              "                    <measuredRel>0</measuredRel>\n"
-              "                  </map>\n"
-              "                </branchesBoth>\n"
-              "              </map>\n"
-              "            </sequence>\n"
-              "          </coverage>\n"),
-              xmlReport(result, Form::errorsOnly));
+    EXPECT_EQ("---\ntestResult:\n  testId: t2\n  function: add\n  isError: true\n"
+              "  coverage:\n"
+              "  - function: add\n"
+              "    branchesExecuted:\n"
+              "      expected: 0.5\n"
+              "      measuredRel: 0.25\n"
+              "    branchesBoth:\n"
+              "      expected: 0.25\n"
+              "      measuredRel: 0\n"
+              "...\n",
+              yamlReport(result, Form::errorsOnly));
 
     std::string full = yamlReport(result);
     EXPECT_NE(std::string::npos, full.find("    files:\n      document: cov1\n      exportFile: cov.html\n"));
