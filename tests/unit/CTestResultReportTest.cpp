@@ -210,6 +210,10 @@ TEST(CTestResultReportTest, ExceptionReport)
               yamlReport(result));
     EXPECT_EQ("---\ntestResult:\n  testId: t1\n  function: add\n  isError: true\n...\n",
               yamlReport(result, Form::errorsOnly));
+    EXPECT_EQ(xmlDoc("          <testId>t1</testId>\n"
+                     "          <function>add</function>\n"
+                     "          <isError>1</isError>\n"),
+              xmlReport(result, Form::errorsOnly));
 }
 
 TEST(CTestResultReportTest, CoverageReport)
@@ -313,9 +317,14 @@ TEST(CTestResultReportTest, CodeProfilerReport)
                                                   "profiler:\n"
                                                   "  codeAreas:\n"
                                                   "  - name: add\n"
-                                                  "    hits: [5, 10]\n");
-    CTestResult result(spec, StrVector(),
-                       {}, codeResults(*spec, {{"add", CProfilerStatistic(7, 0, 370, 130, 120, 3)}}), {});
+                                                  "    hits: [5, 10]\n"
+                                                  "  - name: sub\n"
+                                                  "    hits: [0, 10]\n");
+    // "sub" meets its expectation: the short form leaves it out.
+    CTestResult result(spec, StrVector(), {},
+                       codeResults(*spec, {{"add", CProfilerStatistic(7, 0, 370, 130, 120, 3)},
+                                           {"sub", CProfilerStatistic(8, 0, 10, 10, 10, 1)}}),
+                       {});
 
     EXPECT_EQ(head("t3", "add", "", flags(true, false, false, true, false)) +
                   "  codeProfiler:\n"
@@ -330,7 +339,18 @@ TEST(CTestResultReportTest, CodeProfilerReport)
                   limits("        ", "minTime", "0, 0", "120, ERR_NONE", "      - ") +
                   limits("        ", "maxTime", "0, 0", "130, ERR_NONE") +
                   limits("        ", "totalTime", "0, 0", "370, ERR_NONE") +
-                  limits("        ", "hits", "5, 10", "3, ERR_MIN") + "...\n",
+                  limits("        ", "hits", "5, 10", "3, ERR_MIN") +
+                  "    - function: sub\n"
+                  "      isError: false\n"
+                  "      minTimeStatus: ERR_NONE\n"
+                  "      maxTimeStatus: ERR_NONE\n"
+                  "      totalTimeStatus: ERR_NONE\n"
+                  "      hitsStatus: ERR_NONE\n"
+                  "      measuredProfilerResults:\n" +
+                  limits("        ", "minTime", "0, 0", "10, ERR_NONE", "      - ") +
+                  limits("        ", "maxTime", "0, 0", "10, ERR_NONE") +
+                  limits("        ", "totalTime", "0, 0", "10, ERR_NONE") +
+                  limits("        ", "hits", "0, 10", "1, ERR_NONE") + "...\n",
               yamlReport(result));
 
     EXPECT_EQ("---\n"
@@ -503,59 +523,6 @@ TEST(CTestResultReportTest, DataProfilerReport)
               "        hits: true\n"
               "...\n",
               yamlReport(result, Form::errorsOnly));
-}
-
-TEST(CTestResultReportTest, CodeProfilerErrorsOnlyInXml)
-{
-    auto spec = CTestSpecification::parseTestSpec("id: t3\n"
-                                                  "func: [add]\n"
-                                                  "profiler:\n"
-                                                  "  codeAreas:\n"
-                                                  "  - name: add\n"
-                                                  "    hits: [5, 10]\n"
-                                                  "  - name: sub\n"
-                                                  "    hits: [0, 10]\n");
-    CTestResult result(spec, StrVector(), {},
-                       codeResults(*spec, {{"add", CProfilerStatistic(7, 0, 370, 130, 120, 3)},
-                                           {"sub", CProfilerStatistic(8, 0, 10, 10, 10, 1)}}),
-                       {});
-
-    EXPECT_EQ(xmlDoc("          <testId>t3</testId>\n"
-              "          <function>add</function>\n"
-              "          <isError>1</isError>\n"
-              "          <codeProfiler>\n"
-              "            <sequence>\n"
-              "              <map>\n"
-              "                <function>add</function>\n"
-              "                <measuredProfilerResults>\n"
-              "                  <sequence>\n"
-              "                    <map>\n"
-              "                      <minTime>1</minTime>\n"
-              "                      <maxTime>1</maxTime>\n"
-              "                      <totalTime>1</totalTime>\n"
-              "                      <hits>\n"
-              "                        <map>\n"
-              "                          <expected>\n"
-              "                            <sequence>\n"
-              "                              <item>5</item>\n"
-              "                              <item>10</item>\n"
-              "                            </sequence>\n"
-              "                          </expected>\n"
-              "                          <measured>\n"
-              "                            <sequence>\n"
-              "                              <item>3</item>\n"
-              "                              <item>ERR_MIN</item>\n"
-              "                            </sequence>\n"
-              "                          </measured>\n"
-              "                        </map>\n"
-              "                      </hits>\n"
-              "                    </map>\n"
-              "                  </sequence>\n"
-              "                </measuredProfilerResults>\n"
-              "              </map>\n"
-              "            </sequence>\n"
-              "          </codeProfiler>\n"),
-              xmlReport(result, Form::errorsOnly));
 }
 
 TEST(CTestResultReportTest, TraceFilesAreNamedAlsoForAFailedRun)
