@@ -81,21 +81,13 @@ public static class TestSpecTests {
       CTestSpecification group = bench.getTestSpecification().getDerivedTestSpec(0);
       CTestSpecification t1 = group.getDerivedTestSpec(0).merge();
       Check.True(t1.getParentTestSpecification().compare(group.getDerivedTestSpec(0)), "merged from t1");
-      Check.Equal("t1", t1.getTestId());
-      Check.Equal("add", t1.getFunctionUnderTest().getName());
-      Check.Equal("rv", t1.getFunctionUnderTest().getRetValueName());
-      var parameters = new StrVector();
-      t1.getPositionParams(parameters);
-      Check.Equal("1,2", Joined(parameters));
-      Check.Equal(1, t1.getStubs().Count);
+      Check.Equal("id: t1\nlocals:\n  counter: int\nfunc: [add, [], rv]\nparams: [1, 2]\n"
+                  + "stubs:\n- func:\n  - read_sensor\n  assign:\n    srv: 42\nexpect:\n- rv == 3\n", t1.toString());
       Check.Equal("read_sensor", t1.getStubs()[0].getFunctionName());
-      var locals = new StrStrMap();
-      t1.getLocalVariables(locals);
-      Check.Equal("int", locals["counter"]);
 
       CTestSpecification t2 = group.getDerivedTestSpec(1).merge();
       Check.True(t2.getRunFlag(), "a merged test reads as enabled");
-      parameters.Clear();
+      var parameters = new StrVector();
       t2.getPositionParams(parameters);
       Check.Equal("5,\"x\"", Joined(parameters));
     });

@@ -47,27 +47,44 @@ std::string xmlReport(const CTestResult& result, Form form = Form::full,
 }
 
 /// The lines of the YAML report's fixed head, up to "isProfilerDataError".
-std::string head(const std::string& id, const std::string& func, const std::string& desc, const std::string& flags)
+std::string head(const std::string& id, const std::string& func, const std::string& desc, const std::string& flags,
+                 const std::string& tags = "")
 {
     return "---\n"
            "testResult:\n"
            "  testId: " + id + "\n"
            "  function: " + func + "\n"
            "  description:" + (desc.empty() ? "" : " " + desc) + "\n"
-           "  tags:\n"
+           "  tags:" + (tags.empty() ? "" : " " + tags) + "\n"
            "  reportVersion: 1.0\n" + flags;
 }
 
-std::string flags(bool isError, bool isExpr, bool isCoverage, bool isCode, bool isData)
+std::string flags(bool isError, bool isExpr, bool isCoverage, bool isCode, bool isData,
+                  const std::string& exception = "")
 {
     auto word = [](bool value) { return std::string(value ? "true" : "false"); };
     return "  isError: " + word(isError) + "\n"
            "  isExprError: " + word(isExpr) + "\n"
-           "  isException: false\n"
-           "  exceptionStr:\n"
+           "  isException: " + word(!exception.empty()) + "\n"
+           "  exceptionStr:" + (exception.empty() ? "" : " " + exception) + "\n"
            "  isCoverageError: " + word(isCoverage) + "\n"
            "  isProfilerCodeError: " + word(isCode) + "\n"
            "  isProfilerDataError: " + word(isData) + "\n";
+}
+
+/// The XML report around the body of the "testResult" mapping.
+std::string xmlDoc(const std::string& body)
+{
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n<main>\n  <doc>\n    <map>\n      <testResult>\n"
+           "        <map>\n" + body + "        </map>\n      </testResult>\n    </map>\n  </doc>\n</main>\n";
+}
+
+/// One measured parameter against its limits, indented by `pad` (`lead` replaces it on the first line).
+std::string limits(const std::string& pad, const std::string& name, const std::string& expected,
+                   const std::string& measured, const std::string& lead = "")
+{
+    return (lead.empty() ? pad : lead) + name + ":\n" + pad + "  expected: [" + expected + "]\n" + pad +
+           "  measured: [" + measured + "]\n";
 }
 
 CTestResult expressionResult(const std::shared_ptr<CTestSpecification>& spec, const StrVector& expressions)
@@ -95,32 +112,12 @@ const char* const T1_SPEC = "id: t1\n"
 
 } // namespace
 
-TEST(CTestResultReportTest, FailedExpressionInYaml)
-{
-    auto spec = CTestSpecification::parseTestSpec(T1_SPEC);
-    CTestResult result = expressionResult(spec, {"a == 3\n    a = 5"});
-
-    EXPECT_EQ(head("t1", "add", "adds", flags(true, true, false, false, false)) +
-                  "  expressionDiffs:\n"
-                  "  - expect: a == 3\n"
-                  "    targetValues:\n"
-                  "    - ! '    a = 5'\n"
-                  "...\n",
-              yamlReport(result));
-}
-
 TEST(CTestResultReportTest, FailedExpressionInXml)
 {
     auto spec = CTestSpecification::parseTestSpec(T1_SPEC);
     CTestResult result = expressionResult(spec, {"a == 3\n    a = 5"});
 
-    EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n"
-              "<main>\n"
-              "  <doc>\n"
-              "    <map>\n"
-              "      <testResult>\n"
-              "        <map>\n"
-              "          <testId>t1</testId>\n"
+    EXPECT_EQ(xmlDoc("          <testId>t1</testId>\n"
               "          <function>add</function>\n"
               "          <description>adds</description>\n"
               "          <tags></tags>\n"
@@ -143,29 +140,17 @@ TEST(CTestResultReportTest, FailedExpressionInXml)
               "                </targetValues>\n"
               "              </map>\n"
               "            </sequence>\n"
-              "          </expressionDiffs>\n"
-              "        </map>\n"
-              "      </testResult>\n"
-              "    </map>\n"
-              "  </doc>\n"
-              "</main>\n",
+              "          </expressionDiffs>\n"),
               xmlReport(result));
 }
 
-TEST(CTestResultReportTest, ExpressionsThatHeldAndSeveralValues)
+TEST(CTestResultReportTest, FailedExpressionsInYaml)
 {
     auto spec = CTestSpecification::parseTestSpec("id: t1\nfunc: [add]\ntags: [unit, math]\n");
     // The first held; the second names two variables; the third has no variable at all.
     CTestResult result = expressionResult(spec, {"", "a == b\n    a = 1\n    b = 2", "0 == 1\n"});
 
-    EXPECT_EQ("---\n"
-              "testResult:\n"
-              "  testId: t1\n"
-              "  function: add\n"
-              "  description:\n"
-              "  tags: unit, math\n"
-              "  reportVersion: 1.0\n" +
-                  flags(true, true, false, false, false) +
+    EXPECT_EQ(head("t1", "add", "", flags(true, true, false, false, false), "unit, math") +
                   "  expressionDiffs:\n"
                   "  - expect: a == b\n"
                   "    targetValues:\n"
@@ -208,32 +193,12 @@ TEST(CTestResultReportTest, ErrorsOnlyOfExpressionWithEnvironmentAndSpec)
               yamlReport(result, Form::errorsOnly, config));
 }
 
-TEST(CTestResultReportTest, EnvironmentValuesAreEscapedInXml)
+TEST(CTestResultReportTest, ErrorsOnlyOfAPassingResultKeepsTheEnvironment)
 {
-    auto spec = CTestSpecification::parseTestSpec(T1_SPEC);
-    CTestResult result = expressionResult(spec, {""});
-    result.addEnvironmentInfo("user", "<me & you>");
-
-    EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n"
-              "<main>\n"
-              "  <doc>\n"
-              "    <map>\n"
-              "      <testResult>\n"
-              "        <map>\n"
-              "          <testId>t1</testId>\n"
-              "          <function>add</function>\n"
-              "          <isError>0</isError>\n"
-              "          <environment>\n"
-              "            <map>\n"
-              "              <user>&lt;me &amp; you&gt;</user>\n"
-              "            </map>\n"
-              "          </environment>\n"
-              "        </map>\n"
-              "      </testResult>\n"
-              "    </map>\n"
-              "  </doc>\n"
-              "</main>\n",
-              xmlReport(result, Form::errorsOnly));
+    CTestResult result = expressionResult(CTestSpecification::parseTestSpec(T1_SPEC), {""});
+    result.addEnvironmentInfo("user", "me");
+    EXPECT_EQ("---\ntestResult:\n  testId: t1\n  function: add\n  isError: false\n  environment:\n    user: me\n...\n",
+              yamlReport(result, Form::errorsOnly));
 }
 
 TEST(CTestResultReportTest, ExceptionReport)
@@ -241,24 +206,14 @@ TEST(CTestResultReportTest, ExceptionReport)
     auto spec = CTestSpecification::parseTestSpec(T1_SPEC);
     CTestResult result(spec, "Target not responding!");
 
-    EXPECT_EQ("---\n"
-              "testResult:\n"
-              "  testId: t1\n"
-              "  function: add\n"
-              "  description: adds\n"
-              "  tags:\n"
-              "  reportVersion: 1.0\n"
-              "  isError: true\n"
-              "  isExprError: false\n"
-              "  isException: true\n"
-              "  exceptionStr: Target not responding!\n"
-              "  isCoverageError: false\n"
-              "  isProfilerCodeError: false\n"
-              "  isProfilerDataError: false\n"
-              "...\n",
+    EXPECT_EQ(head("t1", "add", "adds", flags(true, false, false, false, false, "Target not responding!")) + "...\n",
               yamlReport(result));
     EXPECT_EQ("---\ntestResult:\n  testId: t1\n  function: add\n  isError: true\n...\n",
               yamlReport(result, Form::errorsOnly));
+    EXPECT_EQ(xmlDoc("          <testId>t1</testId>\n"
+                     "          <function>add</function>\n"
+                     "          <isError>1</isError>\n"),
+              xmlReport(result, Form::errorsOnly));
 }
 
 TEST(CTestResultReportTest, CoverageReport)
@@ -339,40 +294,17 @@ TEST(CTestResultReportTest, CoverageErrorsOnlyListsFailedFunctionsAndItems)
                                           CCoverageStatistic(10, 1, 0, 0, 0, 0, 0));
     CTestResult result(spec, StrVector(), coverage, {}, {});
 
-    EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n"
-              "<main>\n"
-              "  <doc>\n"
-              "    <map>\n"
-              "      <testResult>\n"
-              "        <map>\n"
-              "          <testId>t2</testId>\n"
-              "          <function>add</function>\n"
-              "          <isError>1</isError>\n"
-              "          <coverage>\n"
-              "            <sequence>\n"
-              "              <map>\n"
-              "                <function>add</function>\n"
-              "                <branchesExecuted>\n"
-              "                  <map>\n"
-              "                    <expected>0.5</expected>\n"
-              "                    <measuredRel>0.25</measuredRel>\n"
-              "                  </map>\n"
-              "                </branchesExecuted>\n"
-              "                <branchesBoth>\n"
-              "                  <map>\n"
-              "                    <expected>0.25</expected>\n"
-              "                    <measuredRel>0</measuredRel>\n"
-              "                  </map>\n"
-              "                </branchesBoth>\n"
-              "              </map>\n"
-              "            </sequence>\n"
-              "          </coverage>\n"
-              "        </map>\n"
-              "      </testResult>\n"
-              "    </map>\n"
-              "  </doc>\n"
-              "</main>\n",
-              xmlReport(result, Form::errorsOnly));
+    EXPECT_EQ("---\ntestResult:\n  testId: t2\n  function: add\n  isError: true\n"
+              "  coverage:\n"
+              "  - function: add\n"
+              "    branchesExecuted:\n"
+              "      expected: 0.5\n"
+              "      measuredRel: 0.25\n"
+              "    branchesBoth:\n"
+              "      expected: 0.25\n"
+              "      measuredRel: 0\n"
+              "...\n",
+              yamlReport(result, Form::errorsOnly));
 
     std::string full = yamlReport(result);
     EXPECT_NE(std::string::npos, full.find("    files:\n      document: cov1\n      exportFile: cov.html\n"));
@@ -385,9 +317,14 @@ TEST(CTestResultReportTest, CodeProfilerReport)
                                                   "profiler:\n"
                                                   "  codeAreas:\n"
                                                   "  - name: add\n"
-                                                  "    hits: [5, 10]\n");
-    CTestResult result(spec, StrVector(),
-                       {}, codeResults(*spec, {{"add", CProfilerStatistic(7, 0, 370, 130, 120, 3)}}), {});
+                                                  "    hits: [5, 10]\n"
+                                                  "  - name: sub\n"
+                                                  "    hits: [0, 10]\n");
+    // "sub" meets its expectation: the short form leaves it out.
+    CTestResult result(spec, StrVector(), {},
+                       codeResults(*spec, {{"add", CProfilerStatistic(7, 0, 370, 130, 120, 3)},
+                                           {"sub", CProfilerStatistic(8, 0, 10, 10, 10, 1)}}),
+                       {});
 
     EXPECT_EQ(head("t3", "add", "", flags(true, false, false, true, false)) +
                   "  codeProfiler:\n"
@@ -398,20 +335,22 @@ TEST(CTestResultReportTest, CodeProfilerReport)
                   "      maxTimeStatus: ERR_NONE\n"
                   "      totalTimeStatus: ERR_NONE\n"
                   "      hitsStatus: ERR_MIN\n"
-                  "      measuredProfilerResults:\n"
-                  "      - minTime:\n"
-                  "          expected: [0, 0]\n"
-                  "          measured: [120, ERR_NONE]\n"
-                  "        maxTime:\n"
-                  "          expected: [0, 0]\n"
-                  "          measured: [130, ERR_NONE]\n"
-                  "        totalTime:\n"
-                  "          expected: [0, 0]\n"
-                  "          measured: [370, ERR_NONE]\n"
-                  "        hits:\n"
-                  "          expected: [5, 10]\n"
-                  "          measured: [3, ERR_MIN]\n"
-                  "...\n",
+                  "      measuredProfilerResults:\n" +
+                  limits("        ", "minTime", "0, 0", "120, ERR_NONE", "      - ") +
+                  limits("        ", "maxTime", "0, 0", "130, ERR_NONE") +
+                  limits("        ", "totalTime", "0, 0", "370, ERR_NONE") +
+                  limits("        ", "hits", "5, 10", "3, ERR_MIN") +
+                  "    - function: sub\n"
+                  "      isError: false\n"
+                  "      minTimeStatus: ERR_NONE\n"
+                  "      maxTimeStatus: ERR_NONE\n"
+                  "      totalTimeStatus: ERR_NONE\n"
+                  "      hitsStatus: ERR_NONE\n"
+                  "      measuredProfilerResults:\n" +
+                  limits("        ", "minTime", "0, 0", "10, ERR_NONE", "      - ") +
+                  limits("        ", "maxTime", "0, 0", "10, ERR_NONE") +
+                  limits("        ", "totalTime", "0, 0", "10, ERR_NONE") +
+                  limits("        ", "hits", "0, 10", "1, ERR_NONE") + "...\n",
               yamlReport(result));
 
     EXPECT_EQ("---\n"
@@ -493,6 +432,11 @@ TEST(CTestResultReportTest, DataProfilerReport)
     CTestResult result(spec, StrVector(), {}, {}, {{"state", state}});
 
     // One result per expected value; the area without a value collects 3 and 4.
+    const std::string pad = "          ";
+    auto entryOf = [&pad](const std::string& time) {
+        return limits(pad, "minTime", "0, 0", time + ", ERR_NONE") + limits(pad, "maxTime", "0, 50", time + ", ERR_MAX") +
+               limits(pad, "totalTime", "0, 0", time + ", ERR_NONE") + limits(pad, "hits", "0, 0", "1, ERR_NONE");
+    };
     std::string values16 = "      - isError: true\n"
                            "        minTimeStatus: ERR_NONE\n"
                            "        maxTimeStatus: ERR_NONE\n"
@@ -501,19 +445,9 @@ TEST(CTestResultReportTest, DataProfilerReport)
                            "        specifiedValue: 16\n"
                            "        measuredProfilerResults:\n"
                            "        - measuredValue: 16\n"
-                           "          isError: true\n"
-                           "          minTime:\n"
-                           "            expected: [0, 0]\n"
-                           "            measured: [70, ERR_NONE]\n"
-                           "          maxTime:\n"
-                           "            expected: [0, 0]\n"
-                           "            measured: [80, ERR_NONE]\n"
-                           "          totalTime:\n"
-                           "            expected: [0, 100]\n"
-                           "            measured: [150, ERR_MAX]\n"
-                           "          hits:\n"
-                           "            expected: [0, 0]\n"
-                           "            measured: [2, ERR_NONE]\n";
+                           "          isError: true\n" +
+                           limits(pad, "minTime", "0, 0", "70, ERR_NONE") + limits(pad, "maxTime", "0, 0", "80, ERR_NONE") +
+                           limits(pad, "totalTime", "0, 100", "150, ERR_MAX") + limits(pad, "hits", "0, 0", "2, ERR_NONE");
     std::string values2 = "      - isError: true\n"
                           "        minTimeStatus: ERR_NONE\n"
                           "        maxTimeStatus: ERR_NONE\n"
@@ -523,29 +457,8 @@ TEST(CTestResultReportTest, DataProfilerReport)
                           "        measuredProfilerResults:\n"
                           "        - minTime: true\n"
                           "          maxTime: true\n"
-                          "          totalTime: true\n"
-                          "          hits:\n"
-                          "            expected: [1, 5]\n"
-                          "            measured: [0, ERR_MIN]\n";
-    std::string entry = "          minTime:\n"
-                        "            expected: [0, 0]\n"
-                        "            measured: [V, ERR_NONE]\n"
-                        "          maxTime:\n"
-                        "            expected: [0, 50]\n"
-                        "            measured: [V, ERR_MAX]\n"
-                        "          totalTime:\n"
-                        "            expected: [0, 0]\n"
-                        "            measured: [V, ERR_NONE]\n"
-                        "          hits:\n"
-                        "            expected: [0, 0]\n"
-                        "            measured: [1, ERR_NONE]\n";
-    auto entryOf = [&entry](const std::string& time) {
-        std::string text = entry;
-        for (size_t at = text.find('V'); at != std::string::npos; at = text.find('V')) {
-            text.replace(at, 1, time);
-        }
-        return text;
-    };
+                          "          totalTime: true\n" +
+                          limits(pad, "hits", "1, 5", "0, ERR_MIN");
     // The output file is named in the code profiler part too, since the profiler ran.
     EXPECT_EQ(head("t6", "add", "", flags(true, false, false, false, true)) +
                   "  codeProfiler:\n"
@@ -610,70 +523,6 @@ TEST(CTestResultReportTest, DataProfilerReport)
               "        hits: true\n"
               "...\n",
               yamlReport(result, Form::errorsOnly));
-}
-
-TEST(CTestResultReportTest, CodeProfilerErrorsOnlyInXml)
-{
-    auto spec = CTestSpecification::parseTestSpec("id: t3\n"
-                                                  "func: [add]\n"
-                                                  "profiler:\n"
-                                                  "  codeAreas:\n"
-                                                  "  - name: add\n"
-                                                  "    hits: [5, 10]\n"
-                                                  "  - name: sub\n"
-                                                  "    hits: [0, 10]\n");
-    CTestResult result(spec, StrVector(), {},
-                       codeResults(*spec, {{"add", CProfilerStatistic(7, 0, 370, 130, 120, 3)},
-                                           {"sub", CProfilerStatistic(8, 0, 10, 10, 10, 1)}}),
-                       {});
-
-    EXPECT_EQ("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n"
-              "<main>\n"
-              "  <doc>\n"
-              "    <map>\n"
-              "      <testResult>\n"
-              "        <map>\n"
-              "          <testId>t3</testId>\n"
-              "          <function>add</function>\n"
-              "          <isError>1</isError>\n"
-              "          <codeProfiler>\n"
-              "            <sequence>\n"
-              "              <map>\n"
-              "                <function>add</function>\n"
-              "                <measuredProfilerResults>\n"
-              "                  <sequence>\n"
-              "                    <map>\n"
-              "                      <minTime>1</minTime>\n"
-              "                      <maxTime>1</maxTime>\n"
-              "                      <totalTime>1</totalTime>\n"
-              "                      <hits>\n"
-              "                        <map>\n"
-              "                          <expected>\n"
-              "                            <sequence>\n"
-              "                              <item>5</item>\n"
-              "                              <item>10</item>\n"
-              "                            </sequence>\n"
-              "                          </expected>\n"
-              "                          <measured>\n"
-              "                            <sequence>\n"
-              "                              <item>3</item>\n"
-              "                              <item>ERR_MIN</item>\n"
-              "                            </sequence>\n"
-              "                          </measured>\n"
-              "                        </map>\n"
-              "                      </hits>\n"
-              "                    </map>\n"
-              "                  </sequence>\n"
-              "                </measuredProfilerResults>\n"
-              "              </map>\n"
-              "            </sequence>\n"
-              "          </codeProfiler>\n"
-              "        </map>\n"
-              "      </testResult>\n"
-              "    </map>\n"
-              "  </doc>\n"
-              "</main>\n",
-              xmlReport(result, Form::errorsOnly));
 }
 
 TEST(CTestResultReportTest, TraceFilesAreNamedAlsoForAFailedRun)
