@@ -16,18 +16,9 @@ namespace {
 // A script file in the test's temporary folder, with a clock the test moves by hand.
 class CLoggerTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        m_path = ::testing::TempDir() + "kx_logger_" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".txt";
-        std::remove(m_path.c_str());
-    }
+    void SetUp() override { std::remove(m_path.c_str()); }
     void TearDown() override { std::remove(m_path.c_str()); }
-
-    void useClock(CLogger& logger)
-    {
-        logger.setTickSource([this] { return m_ticks; });
-    }
+    void useClock(CLogger& logger) { logger.setTickSource([this] { return m_ticks; }); }
 
     std::string script() const
     {
@@ -37,61 +28,51 @@ protected:
         return text.str();
     }
 
-    std::string m_path;
+    const std::string m_path = ::testing::TempDir() + "kx_logger_" +
+                               ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".txt";
     uint32_t m_ticks = 100000;
 };
-
-SType typeOf(int code, int bits)
-{
-    SType type;
-    type.m_byType = static_cast<BYTE>(code);
-    type.m_byBitSize = static_cast<BYTE>(bits);
-    return type;
-}
 
 } // namespace
 
 TEST_F(CLoggerTest, PythonSession)
 {
-    {
-        CLogger logger(m_path, CLogger::PYTHON);
-        useClock(logger);
-        logger.log("connectionMgr", "kestrix::ConnectionMgr::connectMRU");
-        logger.createSType("rdType", typeOf(SType::tUnsigned, 32));
-        logger.logf("dataCtrl", "kestrix::CDataController::readValue", "viDv", CLogger::obDebugAccessFlags2str(0), 0,
-                    4096u, "rdType");
-        m_ticks += 3500;
-        logger.log("connectionMgr", "kestrix::ConnectionMgr::disconnect", DWORD(0));
-        logger.log("print 'Logged script disconnected!'   # see ConnectionMgr::disconnect()");
-        logger.logc("Dtor: ~ConnectionMgr");
+    CLogger logger(m_path, CLogger::PYTHON);
+    useClock(logger);
+    logger.log("connectionMgr", "kestrix::ConnectionMgr::connectMRU");
+    logger.createSType("rdType", SType{SType::tUnsigned, 32});
+    logger.logf("dataCtrl", "kestrix::CDataController::readValue", "viDv", CLogger::obDebugAccessFlags2str(0), 0,
+                4096u, "rdType");
+    m_ticks += 3500;
+    logger.log("connectionMgr", "kestrix::ConnectionMgr::disconnect", DWORD(0));
+    logger.logc("Dtor: ~ConnectionMgr");
 
-        // Pauses up to the ignorable difference leave no wait line; a longer one does.
-        m_ticks += 1000;
-        logger.createVar("bytes", "VectorBYTE");
-        logger.setIndent(4);
-        VectorBYTE bytes;
-        for (int i = 0; i < 27; ++i) {
-            bytes.push_back(static_cast<BYTE>(i * 10));
-        }
-        logger.fillVectorBYTE("bytes", bytes);
-        logger.createCValueType("wrValue", CValueType(typeOf(SType::tSigned, 16), -5LL));
-        logger.logf("dataCtrl", "writeValue", "uibla1s", 7u, -3, true, -40000000000LL, &bytes[0], 4, "x y");
-        m_ticks += 1001;
-        logger.logf("dataCtrl", "kestrix::CDataController::evaluate", "Ed", 0x01000100,
-                    &CLogger::obDebugEvaluateFlags2str, 0.25);
-        logger.setIndent(0);
-        logger.resetStartTime();
-        m_ticks += 60000;
-        logger.log("execCtrl", "kestrix::CExecutionController::run", std::string("main"));
-        m_ticks += 2000;
-        logger.loggingOff();
-        logger.log("hidden");
-        logger.logc("hidden");
-        logger.loggingOn();
-        logger.logf("x", "m", "");
-        logger.closeLog("# end\n");
-        logger.log("after close");
+    // Pauses up to the ignorable difference leave no wait line; a longer one does.
+    m_ticks += 1000;
+    logger.createVar("bytes", "VectorBYTE");
+    logger.setIndent(4);
+    VectorBYTE bytes;
+    for (int i = 0; i < 27; ++i) {
+        bytes.push_back(static_cast<BYTE>(i * 10));
     }
+    logger.fillVectorBYTE("bytes", bytes);
+    logger.createCValueType("wrValue", CValueType(SType{SType::tSigned, 16}, -5LL));
+    logger.logf("dataCtrl", "writeValue", "uibla1s", 7u, -3, true, -40000000000LL, &bytes[0], 4, "x y");
+    m_ticks += 1001;
+    logger.logf("dataCtrl", "kestrix::CDataController::evaluate", "Ed", 0x01000100,
+                &CLogger::obDebugEvaluateFlags2str, 0.25);
+    logger.setIndent(0);
+    logger.resetStartTime();
+    m_ticks += 60000;
+    logger.log("execCtrl", "kestrix::CExecutionController::run", std::string("main"));
+    m_ticks += 2000;
+    logger.loggingOff();
+    logger.log("hidden");
+    logger.logc("hidden");
+    logger.loggingOn();
+    logger.logf("x", "m", "");
+    logger.closeLog("# end\n");
+    logger.log("after close");
     EXPECT_EQ("connectionMgr.connectMRU();\n"
               "rdType = kestrix.orbel.SType()\n"
               "rdType.m_byBitSize = 32\n"
@@ -99,7 +80,6 @@ TEST_F(CLoggerTest, PythonSession)
               "dataCtrl.readValue(OrbelDebug.fMonitor, 0, 4096, rdType);\n"
               "waitUntil(3.5);\n"
               "connectionMgr.disconnect(0);\n"
-              "print 'Logged script disconnected!'   # see ConnectionMgr::disconnect()\n"
               "# Dtor: ~ConnectionMgr\n"
               "bytes = VectorBYTE()\n"
               "    bytes = kestrix.orbel.VectorBYTE([0, \n"
@@ -192,36 +172,23 @@ TEST_F(CLoggerTest, OpeningFailures)
     EXPECT_TRUE(std::ifstream(m_path).good()) << "the file is opened before the language is checked";
 }
 
+// The combined and field flags, the numbered range, and the fallback text of each printer.
 TEST(CLoggerPrinters, TextsOfFlagsAndEnumerations)
 {
-    EXPECT_EQ("OrbelDebug.fMonitor", CLogger::obDebugAccessFlags2str(0));
     EXPECT_EQ("OrbelDebug.fRealTime | OrbelDebug.fSFR | OrbelDebug.fCacheDefault", CLogger::obDebugAccessFlags2str(0x15));
     EXPECT_EQ("OrbelDebug.fCacheCode | OrbelDebug.fNoRefresh", CLogger::obDebugAccessFlags2str(0x70));
     EXPECT_EQ("OrbelDebug.fCacheStop", CLogger::obDebugAccessFlags2str(0x22));
     EXPECT_EQ("", CLogger::obDebugAccessFlags2str(0x02));
-    EXPECT_EQ("OrbelDebug.sConstants", CLogger::obDebugSymbolFlags2str(0x10));
     EXPECT_EQ("OrbelDebug.ESymbolFlags = 3", CLogger::obDebugSymbolFlags2str(3));
-    EXPECT_EQ("OrbelDebug.gafExpression", CLogger::obDebugAddressFlags2str(0));
-    EXPECT_EQ("OrbelDebug.gafFunctions", CLogger::obDebugAddressFlags2str(0x4000));
     EXPECT_EQ("OrbelDebug.EGetAddressFlags = 12288", CLogger::obDebugAddressFlags2str(0x3000));
-    EXPECT_EQ("OrbelDebug.efDefaultMemAreaDisplay", CLogger::obDebugEvaluateFlags2str(0));
     EXPECT_EQ("OrbelDebug.EEvaluate = 16777216", CLogger::obDebugEvaluateFlags2str(0x01000000));
-    EXPECT_EQ("kestrix.orbel.SType.tCompound", CLogger::obSTypeType2str(255));
-    EXPECT_EQ("kestrix.orbel.SType.tAddress", CLogger::obSTypeType2str(4));
     EXPECT_EQ("kestrix.orbel.SType.m_byType = 5", CLogger::obSTypeType2str(5));
-    EXPECT_EQ("CCoverageController.rsItem", CLogger::obCoverageRangeItem2str(3));
     EXPECT_EQ("4", CLogger::obCoverageRangeItem2str(4));
-    EXPECT_EQ("OrbelCoverage.crtFolder", CLogger::obCoverageRangesTypes2str(0));
     EXPECT_EQ("-1", CLogger::obCoverageRangesTypes2str(-1));
-    EXPECT_EQ("OrbelCoverage.csftBranchesBoth", CLogger::obCoverageStatisticsFlags2str(7));
     EXPECT_EQ("0", CLogger::obCoverageStatisticsFlags2str(0));
-    EXPECT_EQ("OrbelProfiler.cfTimeStampTime", CLogger::obProfilerConfigFlags2str(1));
     EXPECT_EQ("OrbelProfiler.cfTimeStampM0", CLogger::obProfilerConfigFlags2str(0x10));
     EXPECT_EQ("OrbelProfiler.cfTimeStampM9", CLogger::obProfilerConfigFlags2str(0x19));
     EXPECT_EQ("26", CLogger::obProfilerConfigFlags2str(0x1A));
-    EXPECT_EQ("OrbelProfiler.gsfNumAnalyzed", CLogger::obProfilerStatusFlags2str(1));
     EXPECT_EQ("2", CLogger::obProfilerStatusFlags2str(2));
-    EXPECT_EQ("CLogger.PYTHON", CLogger::lang2str(CLogger::PYTHON));
-    EXPECT_EQ("CLogger.JAVA", CLogger::lang2str(CLogger::JAVA));
     EXPECT_EQ("7", CLogger::lang2str(static_cast<CLogger::ELanguage>(7)));
 }

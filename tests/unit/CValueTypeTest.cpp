@@ -4,6 +4,7 @@
 #include <functional>
 #include <sstream>
 #include <string>
+#include <utility>
 
 #include "CValueType.h"
 #include "IOException.h"
@@ -12,14 +13,6 @@
 using namespace kestrix;
 
 namespace {
-
-SType typeOf(int code, int bits)
-{
-    SType type;
-    type.m_byType = static_cast<BYTE>(code);
-    type.m_byBitSize = static_cast<BYTE>(bits);
-    return type;
-}
 
 SValue raw(QWORD bits)
 {
@@ -63,8 +56,8 @@ std::string descOf(F body)
 }
 
 struct ConversionRow {
-    int code;
-    int bits;
+    BYTE code;
+    BYTE bits;
     QWORD raw;
     const char* asInt;
     const char* asLong;
@@ -111,7 +104,7 @@ const ConversionRow kConversions[] = {
 TEST(CValueType, GettersConvertByTypeAndBitSize)
 {
     for (const ConversionRow& row : kConversions) {
-        const CValueType value(typeOf(row.code, row.bits), raw(row.raw), "text");
+        const CValueType value(SType{row.code, row.bits}, raw(row.raw), "text");
         SCOPED_TRACE("type " + std::to_string(row.code) + ", " + std::to_string(row.bits) + " bits");
         EXPECT_EQ(row.asInt, outcome([&] { return value.getInt(); }));
         EXPECT_EQ(row.asLong, outcome([&] { return value.getLong(); }));
@@ -124,23 +117,22 @@ TEST(CValueType, GettersConvertByTypeAndBitSize)
 TEST(CValueType, TextOfAValueByTypeAndBitSize)
 {
     struct Row {
-        int code;
-        int bits;
+        BYTE code;
+        BYTE bits;
         QWORD raw;
         const char* text;
     } rows[] = {
-        {1, 8, 65, "A"},          {1, 16, 0x12345, "9029"},    {1, 32, 0x1FFFFFFFF, "4294967295"},
-        {1, 40, 0xFFFFFFFFFF, "1099511627775"},                {2, 8, 0x41, "A"},
-        {2, 16, 0xFFFF, "-1"},    {2, 32, 0xFFFFFFFF, "-1"},   {2, 12, 0xFFF, "4095"},
-        {3, 32, bitsOf(1.0f / 3), "0.333333"},                 {3, 64, bitsOf(2.0 / 3), "0.666667"},
-        {4, 32, 0x1000, ""},      {255, 8, 1, ""},             {0, 8, 65, ""},
+        {1, 8, 65, "A"},       {1, 16, 0x12345, "9029"},  {1, 32, 0x1FFFFFFFF, "4294967295"},
+        {1, 40, 0xFFFFFFFFFF, "1099511627775"},           {2, 8, 0x41, "A"},     {2, 16, 0xFFFF, "-1"},
+        {2, 32, 0xFFFFFFFF, "-1"},                        {2, 12, 0xFFF, "4095"}, {3, 32, bitsOf(1.0f / 3), "0.333333"},
+        {3, 64, bitsOf(2.0 / 3), "0.666667"},             {4, 32, 0x1000, ""},   {255, 8, 1, ""}, {0, 8, 65, ""},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(row.text, CValueType(typeOf(row.code, row.bits), raw(row.raw)).getResult())
-            << "type " << row.code << ", " << row.bits << " bits";
+        EXPECT_EQ(row.text, CValueType(SType{row.code, row.bits}, raw(row.raw)).getResult())
+            << "type " << int(row.code) << ", " << int(row.bits) << " bits";
     }
     try {
-        CValueType(typeOf(SType::tFloat, 16), raw(0));
+        CValueType(SType{SType::tFloat, 16}, raw(0));
         FAIL() << "a 16 bit float has no text";
     } catch (const IOException& e) {
         EXPECT_EQ("Can not convert value to string!", e.getDesc());
@@ -149,122 +141,89 @@ TEST(CValueType, TextOfAValueByTypeAndBitSize)
     }
 }
 
-TEST(CValueType, IntegersAreStoredBySizeWithoutSignExtension)
+TEST(CValueType, RefusalsCarryTheirMessages)
 {
-    const CValueType byteFromSigned(typeOf(SType::tSigned, 8), -1LL);
-    EXPECT_EQ(0xFFu, byteFromSigned.getValue().m_qwValue);
-    EXPECT_EQ("-1", byteFromSigned.getResult());
-    EXPECT_EQ(-1, byteFromSigned.getInt());
-
-    const CValueType truncated(typeOf(SType::tUnsigned, 16), 0x1234567890ULL);
-    EXPECT_EQ(0x7890u, truncated.getValue().m_qwValue);
-    EXPECT_EQ("78187493520", truncated.getResult());
-
-    const CValueType a(typeOf(SType::tUnsigned, 8), 65ULL);
-    EXPECT_EQ("65", a.getResult());
-
-    const CValueType signed24(BYTE(24), -1LL);
-    EXPECT_TRUE(signed24.isTypeSigned());
-    EXPECT_EQ(0xFFFFFFFFu, signed24.getValue().m_qwValue);
-    EXPECT_EQ("", signed24.getResult());
-    EXPECT_EQ("Bit size not supported: 24", descOf<IOException>([&] { signed24.getInt(); }));
-
-    const CValueType unsigned24(BYTE(24), 0x123456ULL);
-    EXPECT_TRUE(unsigned24.isTypeUnsigned());
-    EXPECT_EQ(0x123456, unsigned24.getInt());
-
-    const CValueType wide(BYTE(64), 0xFEDCBA9876543210ULL);
-    EXPECT_EQ(static_cast<long long>(0xFEDCBA9876543210ULL), wide.getLong());
-
-    EXPECT_EQ("Invalid type for integral value: 3",
-              descOf<IOException>([] { CValueType(typeOf(SType::tFloat, 32), 1LL); }));
-    EXPECT_EQ("Invalid type for integral value: 4",
-              descOf<IOException>([] { CValueType(typeOf(SType::tAddress, 32), 1ULL); }));
-    EXPECT_EQ("Invalid bit size for integral value: 65",
-              descOf<IOException>([] { CValueType(typeOf(SType::tUnsigned, 65), 1ULL); }));
-    EXPECT_EQ("Invalid bit size for integral value: 128", descOf<IOException>([] { CValueType(BYTE(128), 1LL); }));
+    const std::pair<std::function<void()>, const char*> rows[] = {
+        {[] { CValueType(SType{SType::tFloat, 32}, 1LL); }, "Invalid type for integral value: 3"},
+        {[] { CValueType(SType{SType::tAddress, 32}, 1ULL); }, "Invalid type for integral value: 4"},
+        {[] { CValueType(SType{SType::tUnsigned, 65}, 1ULL); }, "Invalid bit size for integral value: 65"},
+        {[] { CValueType(BYTE(128), 1LL); }, "Invalid bit size for integral value: 128"},
+        {[] { CValueType(SType{SType::tFloat, 16}, 1.0f); }, "Invalid bit size for floats: 16"},
+        {[] { CValueType(SType{SType::tFloat, 32}, 1.0); }, "Invalid bit size for doubles: 32"},
+        {[] { CValueType(SType{SType::tUnsigned, 32}, CAddress()); }, "Invalid type for address: 1"},
+        {[] { CValueType(BYTE(32), 5ULL).getAddress(); }, "Invalid value type. Expected address type, but it is: 1"},
+        {[] { CValueType(SType{SType::tUnsigned, 65}, std::string("1")); },
+         "Invalid bit size for unsigned integral value: 65"},
+        {[] { CValueType(2.5).getFloat(); },
+         "Only 32 bit floats can be returned by 'getFloat()' method. Bit size = 64"},
+        {[] { CValueType(std::string("no symbol")).getInt(); }, "Compund data type not supported. Bit size = 0"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.second, descOf<IOException>(row.first));
+    }
+    EXPECT_EQ("Only unsigned types are supported in strings! (type.m_byType != SType::tUnsigned)",
+              descOf<IllegalArgumentException>([] { CValueType(SType{SType::tSigned, 32}, std::string("1")); }));
+    // The 64 bit conversion is strict and its failure passes through.
+    EXPECT_THROW(CValueType(SType{SType::tUnsigned, 64}, std::string("12abc")), IllegalArgumentException);
 }
 
-TEST(CValueType, FloatsAndDoublesFollowTheirRules)
+// What each constructor keeps: type code, bit size, the eight raw bytes and the text.
+TEST(CValueType, ConstructorsStoreTypeBitsAndText)
 {
-    const CValueType f32(typeOf(SType::tFloat, 32), 1.5f);
-    EXPECT_EQ(1.5f, f32.getFloat());
-    const CValueType f64(typeOf(SType::tFloat, 64), 0.1f);
-    EXPECT_EQ(static_cast<double>(0.1f), f64.getDouble());
-    EXPECT_EQ("Invalid bit size for floats: 16",
-              descOf<IOException>([] { CValueType(typeOf(SType::tFloat, 16), 1.0f); }));
-
-    EXPECT_EQ(0.1, CValueType(typeOf(SType::tFloat, 64), 0.1).getDouble());
-    EXPECT_EQ("Invalid bit size for doubles: 32",
-              descOf<IOException>([] { CValueType(typeOf(SType::tFloat, 32), 1.0); }));
-
-    // Another type code takes neither: the type stays, the value is zero, nothing is raised.
-    const CValueType notFloat(typeOf(SType::tSigned, 32), 2.5f);
-    EXPECT_TRUE(notFloat.isTypeSigned());
-    EXPECT_EQ(0, notFloat.getInt());
-    EXPECT_EQ(0, CValueType(typeOf(SType::tSigned, 64), 2.5).getLong());
-
-    const CValueType single(2.5f);
-    EXPECT_TRUE(single.isTypeFloat());
-    EXPECT_EQ(32, single.getBitSize());
-    EXPECT_EQ(2.5, single.getDouble());
-    const CValueType dbl(2.5);
-    EXPECT_EQ(64, dbl.getBitSize());
-    EXPECT_EQ("Only 32 bit floats can be returned by 'getFloat()' method. Bit size = 64",
-              descOf<IOException>([&] { dbl.getFloat(); }));
-}
-
-TEST(CValueType, AddressesNeedTheAddressType)
-{
-    CAddress address;
-    address.m_aAddress = 0x20001000;
-    address.m_iArea = 3;
-    address.m_byProcess = 2;
-    const CValueType value(typeOf(SType::tAddress, 32), address);
-    EXPECT_TRUE(value.isTypeAddress());
-    const CAddress back = value.getAddress();
-    EXPECT_EQ(0x20001000u, back.m_aAddress);
-    EXPECT_EQ(3, back.m_iArea);
-    EXPECT_EQ(2, back.m_byProcess);
-    EXPECT_EQ("Invalid type for address: 1",
-              descOf<IOException>([&] { CValueType(typeOf(SType::tUnsigned, 32), address); }));
-    EXPECT_EQ("Invalid value type. Expected address type, but it is: 1",
-              descOf<IOException>([] { CValueType(BYTE(32), 5ULL).getAddress(); }));
+    const CAddress address{0x20001000, 3, 2, 0};
+    struct Row {
+        std::function<CValueType()> make;
+        BYTE code;
+        BYTE bits;
+        QWORD stored;
+        const char* text;
+    } rows[] = {
+        // Integers keep as many low bits as their size asks for, without sign extension.
+        {[] { return CValueType(SType{SType::tSigned, 8}, -1LL); }, 2, 8, 0xFF, "-1"},
+        {[] { return CValueType(SType{SType::tUnsigned, 16}, 0x1234567890ULL); }, 1, 16, 0x7890, "78187493520"},
+        {[] { return CValueType(SType{SType::tUnsigned, 8}, 65ULL); }, 1, 8, 65, "65"},
+        {[] { return CValueType(BYTE(24), -1LL); }, 2, 24, 0xFFFFFFFF, ""},
+        {[] { return CValueType(BYTE(24), 0x123456ULL); }, 1, 24, 0x123456, ""},
+        {[] { return CValueType(BYTE(64), 0xFEDCBA9876543210ULL); }, 1, 64, 0xFEDCBA9876543210, ""},
+        {[] { return CValueType(SType{SType::tFloat, 32}, 1.5f); }, 3, 32, bitsOf(1.5f), ""},
+        {[] { return CValueType(SType{SType::tFloat, 64}, 0.1f); }, 3, 64, bitsOf(static_cast<double>(0.1f)), ""},
+        {[] { return CValueType(SType{SType::tFloat, 64}, 0.1); }, 3, 64, bitsOf(0.1), ""},
+        // Another type code takes neither a float nor a double: the type stays, the value is zero.
+        {[] { return CValueType(SType{SType::tSigned, 32}, 2.5f); }, 2, 32, 0, ""},
+        {[] { return CValueType(SType{SType::tSigned, 64}, 2.5); }, 2, 64, 0, ""},
+        {[] { return CValueType(2.5f); }, 3, 32, bitsOf(2.5f), ""},
+        {[] { return CValueType(2.5); }, 3, 64, bitsOf(2.5), ""},
+        {[&] { return CValueType(SType{SType::tAddress, 32}, address); }, 4, 32, bitsOf(address), ""},
+        {[] { return CValueType(std::string("Symbol 'x' not found")); }, 255, 0, 0, "Symbol 'x' not found"},
+    };
+    for (const Row& row : rows) {
+        const CValueType value = row.make();
+        SCOPED_TRACE("row " + std::to_string(&row - rows));
+        EXPECT_EQ(row.code, value.getType().m_byType);
+        EXPECT_EQ(row.bits, value.getBitSize());
+        EXPECT_EQ(row.stored, value.getValue().m_qwValue);
+        EXPECT_EQ(row.text, value.getResult());
+    }
+    EXPECT_EQ(bitsOf(address), bitsOf(CValueType(SType{SType::tAddress, 32}, address).getAddress()));
+    EXPECT_TRUE(CValueType(std::string("x")).isError());
+    EXPECT_FALSE(CValueType(SType{SType::tCompound, 0}, raw(0), "struct").isError());
 }
 
 TEST(CValueType, UnsignedValuesParsedFromText)
 {
     struct Row {
-        int bits;
+        BYTE bits;
         const char* text;
         QWORD stored;
     } rows[] = {
-        {12, "0x12345", 0x2345},  {8, "300", 300},           {16, "  +42", 42},
-        {32, " -1", 0xFFFFFFFF},  {32, "017", 15},           {32, "abc", 0},
-        {32, "12abc", 12},        {32, "99999999999", 0xFFFFFFFF}, {32, "0x1FFFFFFFF", 0xFFFFFFFF},
-        {32, "- 5", 0},           {64, "0xFFFFFFFFFF", 0xFFFFFFFFFF}, {64, "1234567890123", 1234567890123},
+        {12, "0x12345", 0x2345}, {8, "300", 300},   {16, "  +42", 42},   {32, " -1", 0xFFFFFFFF},
+        {32, "017", 15},         {32, "abc", 0},    {32, "12abc", 12},   {32, "99999999999", 0xFFFFFFFF},
+        {32, "- 5", 0},          {32, "0x1FFFFFFFF", 0xFFFFFFFF},        {64, "0xFFFFFFFFFF", 0xFFFFFFFFFF},
+        {64, "1234567890123", 1234567890123},
     };
     for (const Row& row : rows) {
-        const CValueType value(typeOf(SType::tUnsigned, row.bits), std::string(row.text));
-        EXPECT_EQ(row.stored, value.getValue().m_qwValue) << row.bits << " bits from \"" << row.text << "\"";
+        const CValueType value(SType{SType::tUnsigned, row.bits}, std::string(row.text));
+        EXPECT_EQ(row.stored, value.getValue().m_qwValue) << int(row.bits) << " bits from \"" << row.text << "\"";
         EXPECT_EQ(row.text, value.getResult());
     }
-    EXPECT_EQ("Only unsigned types are supported in strings! (type.m_byType != SType::tUnsigned)",
-              descOf<IllegalArgumentException>([] { CValueType(typeOf(SType::tSigned, 32), std::string("1")); }));
-    EXPECT_EQ("Invalid bit size for unsigned integral value: 65",
-              descOf<IOException>([] { CValueType(typeOf(SType::tUnsigned, 65), std::string("1")); }));
-    // The 64 bit conversion is strict and its failure passes through.
-    EXPECT_THROW(CValueType(typeOf(SType::tUnsigned, 64), std::string("12abc")), IllegalArgumentException);
-}
-
-TEST(CValueType, ErrorFormCarriesTheMessage)
-{
-    const CValueType error(std::string("Symbol 'x' not found"));
-    EXPECT_TRUE(error.isError());
-    EXPECT_TRUE(error.isTypeCompound());
-    EXPECT_EQ(0, error.getBitSize());
-    EXPECT_EQ("Symbol 'x' not found", error.getResult());
-    EXPECT_EQ("Compund data type not supported. Bit size = 0", descOf<IOException>([&] { error.getInt(); }));
-    EXPECT_EQ("Compund data type not supported. Bit size = 0", descOf<IOException>([&] { error.getDouble(); }));
-    EXPECT_FALSE(CValueType(typeOf(SType::tCompound, 0), raw(0), "struct").isError());
 }
