@@ -39,17 +39,6 @@ std::string context(const IException& e)
     return e.getData().substr(prefix.size());
 }
 
-/// A receiver whose `index`-th event throws `error`.
-template <class E>
-void throwAt(RecordingReceiver& receiver, size_t index, const E& error)
-{
-    receiver.beforeEvent = [index, error](size_t count) {
-        if (count == index) {
-            throw error;
-        }
-    };
-}
-
 /// A root receiver that gives up control at the end of its mapping.
 class EndingReceiver : public RecordingReceiver {
 public:
@@ -69,88 +58,69 @@ public:
 
 } // namespace
 
-TEST(CYAMLParser, EmptyTextCallsNoReceiverOperation)
+TEST(CYAMLParser, ReceiverGetsEachNodeInItsRole)
 {
-    RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, "");
-    CYAMLUtil::parseYAML(receiver, "# only a comment\n");
-    EXPECT_TRUE(receiver.events.empty());
+    const std::vector<std::pair<std::string, Lines>> cases = {
+        {"", {}},
+        {"# only a comment\n", {}},
+        {"id: t1\nparams: [1, '2']\nstubs:\n  - func: f\n    ret: \"x\"\nafter: &n 5\n",
+         {"+MAP", "key =VAL :id", "value =VAL :t1", "key =VAL :params", "+SEQ []", "item =VAL :1", "item =VAL '2",
+          "-SEQ", "key =VAL :stubs", "+SEQ", "+MAP", "key =VAL :func", "value =VAL :f", "key =VAL :ret",
+          "value =VAL \"x", "-MAP", "-SEQ", "key =VAL :after", "value =VAL &n :5", "-MAP"}},
+        // A mapping as key moves the next scalar to the value position.
+        {"? {a: b}\n: c\nd: e\n",
+         {"+MAP", "+MAP {}", "key =VAL :a", "value =VAL :b", "-MAP", "value =VAL :c", "key =VAL :d", "value =VAL :e",
+          "-MAP"}},
+        // An alias of a scalar delivers the anchored value as a plain scalar.
+        {"- &x 'first'\n- *x\n- &x second\n- *x\n",
+         {"+SEQ", "item =VAL &x 'first", "item =VAL :first", "item =VAL &x :second", "item =VAL :second", "-SEQ"}},
+        // A second document goes to the receiver that the first left.
+        {"a: 1\n---\n- b\n", {"+MAP", "key =VAL :a", "value =VAL :1", "-MAP", "+SEQ", "item =VAL :b", "-SEQ"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.first);
+        RecordingReceiver receiver;
+        CYAMLUtil::parseYAML(receiver, c.first);
+        EXPECT_EQ(c.second, receiver.events);
+    }
 }
 
-TEST(CYAMLParser, KeysValuesAndItemsAlternateThroughNestedBlocks)
+TEST(CYAMLParser, HandlerRefusalsNameTheCauseAndPosition)
 {
+    struct Case {
+        const char* input;
+        const char* desc;
+        Lines fragments;
+    };
+    const std::vector<Case> cases = {
+        {"a: 1\nb: *nowhere\n", "Illegal argument",
+         {"Error: Undefined anchor: nowhere  [/CYAMLTestContentHandler.cpp, ", "[Line: 2  Col: 11]"}},
+        {"base: &b {x: 1}\nderived: *b\n", "Illegal argument",
+         {"Error: Undefined anchor: b  [", "reason: aliases of mappings and sequences are not supported",
+          "[Line: 2  Col: 11]"}},
+        // A scalar anchor redefined on a collection is no longer a scalar.
+        {"- &a 1\n- &a [2]\n- *a\n", "Illegal argument", {"Error: Undefined anchor: a  ["}},
+        {"just text\n", "Illegal argument",
+         {"Error: Standalone scalar not allowed. It should be member of mapping or sequence: just text  ["}},
+        {"a:\n\tb: 1\n", "YAML syntax error",
+         {"      \tb: 1\n      ^\n      Error: Cannot scan the input stream. found character that cannot start "
+          "any token\n",
+          "[Line: 2  Col: 0]"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.input);
+        RecordingReceiver receiver;
+        ParserException e = parseFailure(receiver, c.input);
+        EXPECT_EQ(c.desc, e.getDesc());
+        const std::string text = context(e);
+        for (const std::string& fragment : c.fragments) {
+            EXPECT_NE(std::string::npos, text.find(fragment)) << fragment << "\nin: " << text;
+        }
+    }
     RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, "id: t1\n"
-                                   "params: [1, '2']\n"
-                                   "stubs:\n"
-                                   "  - func: f\n"
-                                   "    ret: \"x\"\n"
-                                   "after: &n 5\n");
-    EXPECT_EQ((Lines{"+MAP", "key =VAL :id", "value =VAL :t1", "key =VAL :params", "+SEQ []",
-                     "item =VAL :1", "item =VAL '2", "-SEQ", "key =VAL :stubs", "+SEQ", "+MAP",
-                     "key =VAL :func", "value =VAL :f", "key =VAL :ret", "value =VAL \"x", "-MAP",
-                     "-SEQ", "key =VAL :after", "value =VAL &n :5", "-MAP"}),
-              receiver.events);
-}
-
-TEST(CYAMLParser, MappingAsKeyMovesToTheValuePosition)
-{
-    RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, "? {a: b}\n: c\nd: e\n");
-    EXPECT_EQ((Lines{"+MAP", "+MAP {}", "key =VAL :a", "value =VAL :b", "-MAP", "value =VAL :c",
-                     "key =VAL :d", "value =VAL :e", "-MAP"}),
-              receiver.events);
-}
-
-TEST(CYAMLParser, AliasOfAScalarDeliversItsValueAsAPlainScalar)
-{
-    RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, "- &x 'first'\n- *x\n- &x second\n- *x\n");
-    EXPECT_EQ((Lines{"+SEQ", "item =VAL &x 'first", "item =VAL :first", "item =VAL &x :second",
-                     "item =VAL :second", "-SEQ"}),
-              receiver.events);
-}
-
-TEST(CYAMLParser, UndefinedAnchorNamesTheAliasAndItsLine)
-{
-    RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "a: 1\nb: *nowhere\n");
-    EXPECT_EQ("Illegal argument", e.getDesc());
-    std::string text = context(e);
-    EXPECT_NE(std::string::npos, text.find("Error: Undefined anchor: nowhere  [/CYAMLTestContentHandler.cpp, "))
-        << text;
-    EXPECT_NE(std::string::npos, text.find("[Line: 2  Col: 11]")) << text;
+    parseFailure(receiver, "a: 1\nb: *nowhere\n");
     EXPECT_EQ((Lines{"+MAP", "key =VAL :a", "value =VAL :1", "key =VAL :b"}), receiver.events)
         << "the receiver keeps what came before the error";
-}
-
-TEST(CYAMLParser, AliasOfACollectionIsRefusedWithAReason)
-{
-    RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "base: &b {x: 1}\nderived: *b\n");
-    std::string text = context(e);
-    EXPECT_NE(std::string::npos, text.find("Error: Undefined anchor: b  [")) << text;
-    EXPECT_NE(std::string::npos, text.find("reason: aliases of mappings and sequences are not supported"))
-        << text;
-    EXPECT_NE(std::string::npos, text.find("[Line: 2  Col: 11]")) << text;
-}
-
-TEST(CYAMLParser, ScalarAnchorRedefinedOnACollectionIsNoLongerAScalar)
-{
-    RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "- &a 1\n- &a [2]\n- *a\n");
-    EXPECT_NE(std::string::npos, context(e).find("Undefined anchor: a")) << context(e);
-}
-
-TEST(CYAMLParser, RootScalarIsAStandaloneScalar)
-{
-    RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "just text\n");
-    EXPECT_EQ("Illegal argument", e.getDesc());
-    EXPECT_NE(std::string::npos,
-              context(e).find("Error: Standalone scalar not allowed. It should be member of mapping or "
-                              "sequence: just text  ["))
-        << context(e);
 }
 
 TEST(CYAMLParser, SyntaxErrorShowsTheWholeExcerpt)
@@ -176,19 +146,6 @@ TEST(CYAMLParser, SyntaxErrorShowsTheWholeExcerpt)
               context(e));
 }
 
-TEST(CYAMLParser, TabIndentIsASyntaxErrorWithCaretUnderItsLine)
-{
-    RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "a:\n\tb: 1\n");
-    EXPECT_EQ("YAML syntax error", e.getDesc());
-    std::string text = context(e);
-    EXPECT_NE(std::string::npos,
-              text.find("      \tb: 1\n      ^\n      Error: Cannot scan the input stream. found character "
-                        "that cannot start any token\n"))
-        << text;
-    EXPECT_NE(std::string::npos, text.find("[Line: 2  Col: 0]")) << text;
-}
-
 TEST(CYAMLParser, SyntaxErrorInAFileGivesPositionAndMessageOnly)
 {
     std::string path = ::testing::TempDir() + "parser_syntax_error.yaml";
@@ -208,27 +165,19 @@ TEST(CYAMLParser, SyntaxErrorInAFileGivesPositionAndMessageOnly)
 
 TEST(CYAMLParser, ReceiverExceptionsAreConvertedByKind)
 {
-    struct Case {
-        std::function<void(RecordingReceiver&)> arm;
-        const char* desc;
-        const char* cause;
+    const std::vector<std::tuple<std::function<void()>, const char*, const char*>> cases = {
+        {[] { throw IOException(KX_POS, "io"); }, "IO error", "io"},
+        {[] { throw IllegalStateException(KX_POS, "st"); }, "Illegal state", "st"},
+        {[] { throw IllegalArgumentException(KX_POS, "ar"); }, "Illegal argument", "ar"},
+        {[] { throw NoSuchMethodException(KX_POS, "ns"); }, "Illegal argument", "ns"},
     };
-    const std::vector<Case> cases = {
-        {[](RecordingReceiver& r) { throwAt(r, 2, IOException(KX_POS, "io")); }, "IO error", "io"},
-        {[](RecordingReceiver& r) { throwAt(r, 2, IllegalStateException(KX_POS, "st")); }, "Illegal state", "st"},
-        {[](RecordingReceiver& r) { throwAt(r, 2, IllegalArgumentException(KX_POS, "ar")); }, "Illegal argument",
-         "ar"},
-        {[](RecordingReceiver& r) { throwAt(r, 2, NoSuchMethodException(KX_POS, "ns")); }, "Illegal argument",
-         "ns"},
-    };
-    for (const Case& c : cases) {
+    for (const auto& [raise, desc, cause] : cases) {
         RecordingReceiver receiver;
-        c.arm(receiver);
+        receiver.beforeEvent = [&raise](size_t count) { count == 2 ? raise() : void(); };
         ParserException e = parseFailure(receiver, "k1: v1\nk2: v2\n");
-        EXPECT_EQ(c.desc, e.getDesc());
+        EXPECT_EQ(desc, e.getDesc());
         std::string text = context(e);
-        EXPECT_NE(std::string::npos, text.find(std::string("Error: ") + c.cause + "  [/CYAMLParserTest.cpp, "))
-            << text;
+        EXPECT_NE(std::string::npos, text.find(std::string("Error: ") + cause + "  [/CYAMLParserTest.cpp, ")) << text;
         EXPECT_NE(std::string::npos, text.find("[Line: 2  Col: 0]")) << text;
     }
 }
@@ -253,14 +202,6 @@ TEST(CYAMLParser, ParserWithoutHandlerOrUsedTwiceRefuses)
     parser.setContentHandler(&handler);
     parser.parse(input);
     EXPECT_THROW(parser.parse(input), IllegalStateException);
-}
-
-TEST(CYAMLParser, SecondDocumentGoesToTheReceiverThatTheFirstLeft)
-{
-    RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, "a: 1\n---\n- b\n");
-    EXPECT_EQ((Lines{"+MAP", "key =VAL :a", "value =VAL :1", "-MAP", "+SEQ", "item =VAL :b", "-SEQ"}),
-              receiver.events);
 }
 
 TEST(CYAMLParser, ContentBehindARootBlockThatLeftNoReceiverIsRefused)
