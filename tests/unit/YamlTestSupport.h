@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "CYAMLObject.h"
 #include "IException.h"
 
 namespace kestrix_test {
@@ -58,6 +59,16 @@ public:
 
 private:
     std::vector<yaml_event_t> m_events;
+};
+
+/// A value of a kind the emitters do not know.
+class UnknownObject : public kestrix::CYAMLObject {
+public:
+    UnknownObject() : CYAMLObject(7) {}
+    std::shared_ptr<CYAMLObject> clone() const override { return std::make_shared<UnknownObject>(); }
+    int getType() const override { return 7; }
+    bool isEmpty() const override { return false; }
+    void initStartEvent(yaml_event_t*) const override {}
 };
 
 /// Runs `action`, which must throw `Ex`; returns its description and data lines.
