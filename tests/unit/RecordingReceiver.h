@@ -54,15 +54,13 @@ inline std::string scalarLine(const yaml_event_t& event)
 inline std::string mappingStartLine(const yaml_event_t& event)
 {
     const auto& m = event.data.mapping_start;
-    return std::string("+MAP") + (m.style == YAML_FLOW_MAPPING_STYLE ? " {}" : "") +
-           nodeProperties(m.anchor, m.tag);
+    return std::string("+MAP") + (m.style == YAML_FLOW_MAPPING_STYLE ? " {}" : "") + nodeProperties(m.anchor, m.tag);
 }
 
 inline std::string sequenceStartLine(const yaml_event_t& event)
 {
     const auto& s = event.data.sequence_start;
-    return std::string("+SEQ") + (s.style == YAML_FLOW_SEQUENCE_STYLE ? " []" : "") +
-           nodeProperties(s.anchor, s.tag);
+    return std::string("+SEQ") + (s.style == YAML_FLOW_SEQUENCE_STYLE ? " []" : "") + nodeProperties(s.anchor, s.tag);
 }
 
 class RecordingReceiver : public ITestParserEventReceiver {
@@ -71,27 +69,12 @@ public:
     /// Called before each event is recorded, with the count recorded so far; may throw.
     std::function<void(size_t)> beforeEvent;
 
-    ITestParserEventReceiver* mappingStart(const yaml_event_t& event) override
-    {
-        return record(mappingStartLine(event));
-    }
-    ITestParserEventReceiver* mappingKey(const yaml_event_t& event) override
-    {
-        return record("key " + scalarLine(event));
-    }
-    ITestParserEventReceiver* mappingValue(const yaml_event_t& event) override
-    {
-        return record("value " + scalarLine(event));
-    }
+    ITestParserEventReceiver* mappingStart(const yaml_event_t& e) override { return record(mappingStartLine(e)); }
+    ITestParserEventReceiver* mappingKey(const yaml_event_t& e) override { return record("key " + scalarLine(e)); }
+    ITestParserEventReceiver* mappingValue(const yaml_event_t& e) override { return record("value " + scalarLine(e)); }
     ITestParserEventReceiver* mappingEnd() override { return record("-MAP"); }
-    ITestParserEventReceiver* sequenceStart(const yaml_event_t& event) override
-    {
-        return record(sequenceStartLine(event));
-    }
-    ITestParserEventReceiver* sequenceValue(const yaml_event_t& event) override
-    {
-        return record("item " + scalarLine(event));
-    }
+    ITestParserEventReceiver* sequenceStart(const yaml_event_t& e) override { return record(sequenceStartLine(e)); }
+    ITestParserEventReceiver* sequenceValue(const yaml_event_t& e) override { return record("item " + scalarLine(e)); }
     ITestParserEventReceiver* sequenceEnd() override { return record("-SEQ"); }
     void serialize(std::shared_ptr<IEmitter>) override {}
 
