@@ -11,11 +11,14 @@
 #include "YamlTestSupport.h"
 
 using namespace kestrix;
+using kestrix_test::failureOf;
 using kestrix_test::ParsedEvents;
 
 namespace {
 
 typedef std::vector<std::string> Lines;
+
+const std::string NO_IMPLEMENTATION = "Method has no useful implementation!\n";
 
 /// Records what the receivers ask it to validate.
 class RecordingValidator : public CYAMLValidator {
@@ -56,15 +59,12 @@ std::string parseError(T& target, const std::string& text, CYAMLValidator* valid
     return "";
 }
 
-template <class F>
-std::string desc(F call)
+/// Each call must raise a ParserException with exactly its text.
+void expectRefusals(const std::vector<std::pair<std::string, std::function<void()>>>& calls)
 {
-    try {
-        call();
-    } catch (const IException& e) {
-        return e.getDesc();
+    for (const auto& call : calls) {
+        EXPECT_EQ(call.first + "\n", failureOf<ParserException>(call.second));
     }
-    return "<nothing thrown>";
 }
 
 } // namespace
@@ -88,6 +88,7 @@ TEST(CYAMLMapReceiver, FillsTheMapAndReturnsToTheParent)
     EXPECT_EQ("m", map.getAnchor());
     EXPECT_EQ("!cfg", map.getTag());
     EXPECT_EQ(YAML_FLOW_MAPPING_STYLE, map.getYamlStyle());
+    EXPECT_EQ(NO_IMPLEMENTATION, failureOf<NoSuchMethodException>([&] { receiver.serialize(nullptr); }));
     EXPECT_EQ((Lines{"b", "a"}), map.getKeyTexts()) << "entries of the target are replaced";
     StrVector values;
     map.getValues(values);
@@ -95,7 +96,7 @@ TEST(CYAMLMapReceiver, FillsTheMapAndReturnsToTheParent)
     EXPECT_EQ((Lines{"scalar b ''", "scalar a ''", "map 2"}), validator.calls);
 }
 
-TEST(CYAMLMapReceiver, RefusesNestingDuplicatesAndInvalidKeys)
+TEST(CYAMLMapReceiver, RefusesNestingDuplicatesInvalidKeysAndEventsOutsideItsBlock)
 {
     CYAMLMap map;
     EXPECT_EQ("Nested maps are not allowed!", (parseError<CYAMLMapReceiver>(map, "a: {b: c}")));
@@ -110,25 +111,22 @@ TEST(CYAMLMapReceiver, RefusesNestingDuplicatesAndInvalidKeys)
     CYAMLMap quoted;
     CYAMLUtil::parseYAML(*std::make_unique<CYAMLMapReceiver>(nullptr, &quoted), "{a: 1, \"a\": 2}");
     EXPECT_EQ((Lines{"a", "\"a\""}), quoted.getKeyTexts()) << "a quoted key is another key";
-}
 
-TEST(CYAMLMapReceiver, RefusesEventsOutsideItsBlock)
-{
-    CYAMLMap map;
-    CYAMLMapReceiver receiver(nullptr, &map);
+    CYAMLMap untouched;
+    CYAMLMapReceiver r(nullptr, &untouched);
     ParsedEvents events("{early: late}");
-    const yaml_event_t& early = events.get(YAML_SCALAR_EVENT, 0);
-    const yaml_event_t& late = events.get(YAML_SCALAR_EVENT, 1);
-    EXPECT_EQ("Key outside mapping section: early", desc([&] { receiver.mappingKey(early); }));
-    // A value out of place is named by the key before it.
-    EXPECT_EQ("Scalar value outside mapping section: early", desc([&] { receiver.mappingValue(late); }));
-    EXPECT_EQ("No sequences allowed inside mapping!", desc([&] { receiver.sequenceValue(early); }));
-    EXPECT_EQ("No sequences allowed inside mapping!", desc([&] { receiver.sequenceEnd(); }));
-    receiver.mappingStart(events.get(YAML_MAPPING_START_EVENT));
-    receiver.mappingEnd();
-    EXPECT_EQ("Key outside mapping section: late", desc([&] { receiver.mappingKey(late); }));
-    EXPECT_EQ("Nested maps are not allowed!", desc([&] { receiver.mappingStart(events.get(YAML_MAPPING_START_EVENT)); }));
-    EXPECT_TRUE(map.isEmpty());
+    const yaml_event_t &start = events.get(YAML_MAPPING_START_EVENT), &early = events.get(YAML_SCALAR_EVENT, 0),
+                       &late = events.get(YAML_SCALAR_EVENT, 1);
+    expectRefusals({
+        {"Key outside mapping section: early", [&] { r.mappingKey(early); }},
+        // A value out of place is named by the key before it.
+        {"Scalar value outside mapping section: early", [&] { r.mappingValue(late); }},
+        {"No sequences allowed inside mapping!", [&] { r.sequenceValue(early); }},
+        {"No sequences allowed inside mapping!", [&] { r.sequenceEnd(); }},
+        {"Key outside mapping section: late", [&] { r.mappingStart(start), r.mappingEnd(), r.mappingKey(late); }},
+        {"Nested maps are not allowed!", [&] { r.mappingStart(start); }},
+    });
+    EXPECT_TRUE(untouched.isEmpty());
 }
 
 TEST(CYAMLSequenceReceiver, FillsTheSequenceAndReturnsToTheParent)
@@ -148,6 +146,7 @@ TEST(CYAMLSequenceReceiver, FillsTheSequenceAndReturnsToTheParent)
     EXPECT_EQ("s", sequence.getAnchor());
     EXPECT_EQ("!list", sequence.getTag());
     EXPECT_EQ(YAML_FLOW_SEQUENCE_STYLE, sequence.getYamlStyle());
+    EXPECT_EQ(NO_IMPLEMENTATION, failureOf<NoSuchMethodException>([&] { receiver.serialize(nullptr); }));
     StrVector items;
     sequence.getQuotedVector(items);
     EXPECT_EQ((Lines{"'a'", "b"}), items);
@@ -164,27 +163,16 @@ TEST(CYAMLSequenceReceiver, RefusesNestedBlocksAndEventsOutsideItsBlock)
               (parseError<CYAMLSequenceReceiver>(sequence, "a: b")));
 
     CYAMLSequence untouched;
-    CYAMLSequenceReceiver receiver(nullptr, &untouched);
+    CYAMLSequenceReceiver r(nullptr, &untouched);
     ParsedEvents events("[early, late]");
-    const yaml_event_t& early = events.get(YAML_SCALAR_EVENT, 0);
-    EXPECT_EQ("Sequence of scalars expected, found scalar mapping key!", desc([&] { receiver.mappingKey(early); }));
-    EXPECT_EQ("Sequence of scalars expected, found scalar mapping value!",
-              desc([&] { receiver.mappingValue(early); }));
-    EXPECT_EQ("Sequence of scalars expected, found mapping end!", desc([&] { receiver.mappingEnd(); }));
-    EXPECT_EQ("Value outside sequence section: early", desc([&] { receiver.sequenceValue(early); }));
-    receiver.sequenceStart(events.get(YAML_SEQUENCE_START_EVENT));
-    receiver.sequenceEnd();
-    EXPECT_EQ("Value outside sequence section: late",
-              desc([&] { receiver.sequenceValue(events.get(YAML_SCALAR_EVENT, 1)); }));
+    const yaml_event_t &start = events.get(YAML_SEQUENCE_START_EVENT), &early = events.get(YAML_SCALAR_EVENT, 0),
+                       &late = events.get(YAML_SCALAR_EVENT, 1);
+    expectRefusals({
+        {"Sequence of scalars expected, found scalar mapping key!", [&] { r.mappingKey(early); }},
+        {"Sequence of scalars expected, found scalar mapping value!", [&] { r.mappingValue(early); }},
+        {"Sequence of scalars expected, found mapping end!", [&] { r.mappingEnd(); }},
+        {"Value outside sequence section: early", [&] { r.sequenceValue(early); }},
+        {"Value outside sequence section: late", [&] { r.sequenceStart(start), r.sequenceEnd(), r.sequenceValue(late); }},
+    });
     EXPECT_TRUE(untouched.isEmpty());
-}
-
-TEST(CYAMLReceivers, SerializeHasNoUsefulImplementation)
-{
-    CYAMLMap map;
-    CYAMLSequence sequence;
-    CYAMLMapReceiver mapReceiver(nullptr, &map);
-    CYAMLSequenceReceiver sequenceReceiver(nullptr, &sequence);
-    EXPECT_THROW(mapReceiver.serialize(nullptr), NoSuchMethodException);
-    EXPECT_EQ("Method has no useful implementation!", desc([&] { sequenceReceiver.serialize(nullptr); }));
 }
