@@ -10,6 +10,7 @@
 #include "CYAMLUtil.h"
 #include "Exceptions.h"
 #include "RecordingReceiver.h"
+#include "YamlTestSupport.h"
 #include "YamlStringReader.h"
 
 using namespace kestrix;
@@ -91,36 +92,48 @@ TEST(CYAMLParser, HandlerRefusalsNameTheCauseAndPosition)
         const char* input;
         const char* desc;
         Lines fragments;
+        Lines events; // what the receiver got before the error
+        bool endingRoot = false;
     };
+    const char* const behindRoot =
+        "Error: Unexpected YAML content after the end of the root block. Only one YAML document is allowed!";
     const std::vector<Case> cases = {
         {"a: 1\nb: *nowhere\n", "Illegal argument",
-         {"Error: Undefined anchor: nowhere  [/CYAMLTestContentHandler.cpp, ", "[Line: 2  Col: 11]"}},
+         {"Error: Undefined anchor: nowhere  [/CYAMLTestContentHandler.cpp, ", "[Line: 2  Col: 11]"},
+         {"+MAP", "key =VAL :a", "value =VAL :1", "key =VAL :b"}},
         {"base: &b {x: 1}\nderived: *b\n", "Illegal argument",
          {"Error: Undefined anchor: b  [", "reason: aliases of mappings and sequences are not supported",
-          "[Line: 2  Col: 11]"}},
+          "[Line: 2  Col: 11]"},
+         {"+MAP", "key =VAL :base", "+MAP {} &b", "key =VAL :x", "value =VAL :1", "-MAP", "key =VAL :derived"}},
         // A scalar anchor redefined on a collection is no longer a scalar.
-        {"- &a 1\n- &a [2]\n- *a\n", "Illegal argument", {"Error: Undefined anchor: a  ["}},
+        {"- &a 1\n- &a [2]\n- *a\n", "Illegal argument", {"Error: Undefined anchor: a  ["},
+         {"+SEQ", "item =VAL &a :1", "+SEQ [] &a", "item =VAL :2", "-SEQ"}},
         {"just text\n", "Illegal argument",
-         {"Error: Standalone scalar not allowed. It should be member of mapping or sequence: just text  ["}},
+         {"Error: Standalone scalar not allowed. It should be member of mapping or sequence: just text  ["},
+         {}},
         {"a:\n\tb: 1\n", "YAML syntax error",
          {"      \tb: 1\n      ^\n      Error: Cannot scan the input stream. found character that cannot start "
           "any token\n",
-          "[Line: 2  Col: 0]"}},
+          "[Line: 2  Col: 0]"},
+         {"+MAP", "key =VAL :a"}},
+        // Content behind a root block whose receiver gave up control.
+        {"a: 1\n---\nb: 2\n", "Illegal argument", {behindRoot, "[Line: 3  Col: 2]"},
+         {"+MAP", "key =VAL :a", "value =VAL :1", "-MAP"}, true},
+        {"a: 1\n--- text\n", "Illegal argument", {behindRoot}, {"+MAP", "key =VAL :a", "value =VAL :1", "-MAP"}, true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.input);
-        RecordingReceiver receiver;
+        RecordingReceiver plain;
+        EndingReceiver ending;
+        RecordingReceiver& receiver = c.endingRoot ? ending : plain;
         ParserException e = parseFailure(receiver, c.input);
         EXPECT_EQ(c.desc, e.getDesc());
         const std::string text = context(e);
         for (const std::string& fragment : c.fragments) {
             EXPECT_NE(std::string::npos, text.find(fragment)) << fragment << "\nin: " << text;
         }
+        EXPECT_EQ(c.events, receiver.events);
     }
-    RecordingReceiver receiver;
-    parseFailure(receiver, "a: 1\nb: *nowhere\n");
-    EXPECT_EQ((Lines{"+MAP", "key =VAL :a", "value =VAL :1", "key =VAL :b"}), receiver.events)
-        << "the receiver keeps what came before the error";
 }
 
 TEST(CYAMLParser, SyntaxErrorShowsTheWholeExcerpt)
@@ -151,15 +164,9 @@ TEST(CYAMLParser, SyntaxErrorInAFileGivesPositionAndMessageOnly)
     std::string path = ::testing::TempDir() + "parser_syntax_error.yaml";
     std::ofstream(path) << "ignored: [\nbad\n# seek lands here\na:\n\tb: 1\n";
     RecordingReceiver receiver;
-    try {
-        CYAMLUtil::parseYAML(receiver, path, 15);
-        ADD_FAILURE() << "no exception";
-    } catch (const ParserException& e) {
-        EXPECT_EQ("YAML syntax error", e.getDesc());
-        EXPECT_EQ("[Line: 3  Col: 0]\nError: Cannot scan the input stream. found character that cannot "
-                  "start any token\n",
-                  context(e));
-    }
+    EXPECT_EQ("YAML syntax error\n  data:\n    testSpecification: [Line: 3  Col: 0]\n"
+              "Error: Cannot scan the input stream. found character that cannot start any token\n",
+              kestrix_test::failureOf<ParserException>([&] { CYAMLUtil::parseYAML(receiver, path, 15); }));
     std::remove(path.c_str());
 }
 
@@ -182,17 +189,7 @@ TEST(CYAMLParser, ReceiverExceptionsAreConvertedByKind)
     }
 }
 
-TEST(CYAMLParser, ReaderExceptionLeavesUnconverted)
-{
-    RecordingReceiver receiver;
-    CYAMLTestContentHandler handler(&receiver);
-    CYAMLParser parser;
-    parser.setContentHandler(&handler);
-    FailingInput input;
-    EXPECT_THROW(parser.parse(input), IOException);
-}
-
-TEST(CYAMLParser, ParserWithoutHandlerOrUsedTwiceRefuses)
+TEST(CYAMLParser, RefusesUseWithoutHandlerOrTwiceAndLeavesReaderErrorsUnconverted)
 {
     CYAMLParser parser;
     YamlStringReader input("a: b");
@@ -202,23 +199,9 @@ TEST(CYAMLParser, ParserWithoutHandlerOrUsedTwiceRefuses)
     parser.setContentHandler(&handler);
     parser.parse(input);
     EXPECT_THROW(parser.parse(input), IllegalStateException);
-}
 
-TEST(CYAMLParser, ContentBehindARootBlockThatLeftNoReceiverIsRefused)
-{
-    EndingReceiver receiver;
-    ParserException e = parseFailure(receiver, "a: 1\n---\nb: 2\n");
-    EXPECT_EQ("Illegal argument", e.getDesc());
-    std::string text = context(e);
-    EXPECT_NE(std::string::npos,
-              text.find("Error: Unexpected YAML content after the end of the root block. Only one YAML "
-                        "document is allowed!"))
-        << text;
-    EXPECT_NE(std::string::npos, text.find("[Line: 3  Col: 2]")) << text;
-    EXPECT_EQ((Lines{"+MAP", "key =VAL :a", "value =VAL :1", "-MAP"}), receiver.events);
-
-    EndingReceiver second;
-    ParserException scalarDocument = parseFailure(second, "a: 1\n--- text\n");
-    EXPECT_NE(std::string::npos, context(scalarDocument).find("Error: Unexpected YAML content after the end"))
-        << context(scalarDocument);
+    CYAMLParser failing;
+    failing.setContentHandler(&handler);
+    FailingInput broken;
+    EXPECT_THROW(failing.parse(broken), IOException);
 }
