@@ -57,10 +57,5 @@ public static class YamlOutputTests {
       }
       Check.Throws<ApplicationException>(() => EmitterFactory.createYamlEmitter(null));
     });
-
-    Check.Case("Interval validator and factory objects are made and released", () => {
-      using (var validator = new CIntervalValidator()) {}
-      using (var factory = new EmitterFactory()) {}
-    });
   }
 }

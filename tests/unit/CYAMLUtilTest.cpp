@@ -1,13 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
 #include <string>
 
 #include "CYAMLScalar.h"
 #include "CYAMLUtil.h"
 #include "Exceptions.h"
-#include "RecordingReceiver.h"
 #include "YamlTestSupport.h"
 
 using namespace kestrix;
@@ -100,15 +97,4 @@ TEST(CYAMLUtil, VerifyListAndMapReportParserErrors)
     EXPECT_THROW(CYAMLUtil::verifyList("a: 1"), ParserException);
     EXPECT_THROW(CYAMLUtil::verifyMap("{a: [1]}"), ParserException);
     EXPECT_THROW(CYAMLUtil::verifyMap("{a: 1"), ParserException);
-}
-
-TEST(CYAMLUtil, ParseYAMLFromAFileAfterTheSeekPosition)
-{
-    std::string path = ::testing::TempDir() + "cyamlutil_seek.yaml";
-    std::ofstream(path) << "not yaml: [\nk: v\n";
-    kestrix::testing::RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, path, 12);
-    EXPECT_EQ((Lines{"+MAP", "key =VAL :k", "value =VAL :v", "-MAP"}), receiver.events);
-    std::remove(path.c_str());
-    EXPECT_THROW(CYAMLUtil::parseYAML(receiver, path, 0), IOException);
 }

@@ -5,7 +5,6 @@
 #include "CYAMLMap.h"
 #include "CYAMLScalar.h"
 #include "CYAMLSequence.h"
-#include "IOException.h"
 #include "IllegalArgumentException.h"
 #include "IllegalStateException.h"
 #include "YamlTestSupport.h"
@@ -85,15 +84,6 @@ TEST(CYAMLScalarTest, SetValueResetsFlagsButKeepsStyle)
     EXPECT_EQ(3, scalar.getStyle());
 }
 
-TEST(CYAMLScalarTest, StartEventRefusesTextThatIsNotUtf8)
-{
-    const CYAMLScalar scalar(std::string("caf\xe9"));
-    yaml_event_t event;
-    EXPECT_EQ("CYAMLScalar::initStartEvent failed!\n  data:\n    anchor: \n    tag: \n    value: caf\xe9\n"
-              "    length: 4\n    plainImpicit: 1\n    quoedImplicit: 0\n    stryle: 0\n",
-              failureOf<IOException>([&] { scalar.initStartEvent(&event); }));
-}
-
 TEST(CYAMLObjectTest, WrongKindAccessNamesTheType)
 {
     const CYAMLScalar scalar("a");
@@ -169,23 +159,6 @@ TEST(CYAMLSequenceTest, TextListsKeepOrAddQuotes)
     StrVector quoted{"first"};
     sequence.getQuotedVector(quoted);
     EXPECT_EQ((StrVector{"first", "a", "'b'", "'cd'", "\"e\""}), quoted);
-}
-
-TEST(CYAMLMapTest, KeepsInsertionOrderBesideSortedEntries)
-{
-    CYAMLMap map;
-    for (const char* key : {"b", "a", "c"}) {
-        map.add(CYAMLScalar(key), std::make_shared<CYAMLScalar>(std::string(key) + "v"));
-    }
-    EXPECT_EQ((StrVector{"b", "a", "c"}), map.getKeyTexts());
-    StrVector sorted;
-    for (const auto& entry : map.getEntries()) {
-        sorted.push_back(entry.first.getValue());
-    }
-    EXPECT_EQ((StrVector{"a", "b", "c"}), sorted);
-    StrVector values;
-    map.getValues(values);
-    EXPECT_EQ((StrVector{"bv", "av", "cv"}), values);
 }
 
 TEST(CYAMLMapTest, QuotedAndPlainKeysDifferAndDuplicatesFail)

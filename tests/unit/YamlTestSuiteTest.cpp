@@ -5,12 +5,10 @@
 // The receiver sees a projection of the event stream: no stream or document events, each scalar
 // with the role the handler gave it (key, value or item), aliases replaced by the anchored
 // scalar's text. `project` computes it, and the refusal the handler must raise (a root scalar,
-// an alias of a collection), from events in the suite's notation. The receiver is compared
-//  - for every input, with the projection of libyaml's own events (what the parser sees), up to
-//    the first error;
-//  - for the valid inputs that libyaml reads with the suite's expected events, with the
-//    projection of the suite's test.event. Valid inputs where libyaml's events differ are its
-//    deviations: they are listed and compared with libyaml's events only.
+// an alias of a collection), from events in the suite's notation. For every input the receiver
+// is compared with the projection of libyaml's own events (what the parser sees), up to the
+// first error. For the valid inputs, libyaml's events are compared with the suite's test.event,
+// which checks the notation; inputs where they differ are libyaml's deviations, listed.
 
 #include <gtest/gtest.h>
 
@@ -212,15 +210,11 @@ TEST(YamlTestSuite, EveryInputParsesAsExpectedOrFailsWithItsPosition)
         EXPECT_EQ(fromLibyaml.events, receiver.events) << "against libyaml's events";
 
         if (!invalid && !libyamlFailed) {
-            const Lines suite = suiteEvents(dir / "test.event");
-            if (suite != libyaml) {
+            if (suiteEvents(dir / "test.event") == libyaml) {
+                ++comparedWithSuite;
+            } else {
                 libyamlDeviations += " " + id;
-                continue;
             }
-            const Expected fromSuite = project(suite, false);
-            EXPECT_EQ(fromSuite.outcome, outcome) << "against the suite";
-            EXPECT_EQ(fromSuite.events, receiver.events) << "against the suite";
-            ++comparedWithSuite;
         }
     }
     std::cout << cases.size() << " inputs: " << comparedWithSuite << " valid ones compared with the suite's events, "
