@@ -9,12 +9,11 @@
 #include "CYAMLTestContentHandler.h"
 #include "CYAMLUtil.h"
 #include "Exceptions.h"
-#include "RecordingReceiver.h"
 #include "YamlTestSupport.h"
 #include "YamlStringReader.h"
 
 using namespace kestrix;
-using kestrix::testing::RecordingReceiver;
+using kestrix_test::RecordingReceiver;
 
 namespace {
 

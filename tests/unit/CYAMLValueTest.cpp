@@ -47,10 +47,6 @@ TEST(CYAMLScalarTest, ExpressionAndQuotedTextsKeepTheInputQuoting)
         EXPECT_EQ(row[1], toExpressionText(scalar));
         EXPECT_EQ(row[2], toQuotedText(scalar));
     }
-    const CYAMLScalar doubleQuoted = valueOf("k: \"abc\"");
-    EXPECT_EQ("abc", doubleQuoted.getValue());
-    EXPECT_EQ(0, doubleQuoted.getPlainImplicit());
-    EXPECT_EQ(1, doubleQuoted.getQuotedImplicit());
 }
 
 TEST(CYAMLScalarTest, EventGivesAnchorTagAndLengthWithEmbeddedNul)
@@ -63,7 +59,7 @@ TEST(CYAMLScalarTest, EventGivesAnchorTagAndLengthWithEmbeddedNul)
     EXPECT_EQ(3u, scalar.getLength());
 }
 
-TEST(CYAMLScalarTest, NumbersAreWrittenPlain)
+TEST(CYAMLScalarTest, NumbersAndNewValuesArePlain)
 {
     const CYAMLScalar fromInt(-5);
     EXPECT_EQ("-5", fromInt.getValue());
@@ -72,28 +68,14 @@ TEST(CYAMLScalarTest, NumbersAreWrittenPlain)
     EXPECT_EQ("-9000000000", CYAMLScalar(-9000000000LL).getValue());
     EXPECT_EQ("1e+20", CYAMLScalar(1e20).getValue());
     EXPECT_EQ("0.333333", CYAMLScalar(1.0 / 3).getValue());
-}
 
-TEST(CYAMLScalarTest, SetValueResetsFlagsButKeepsStyle)
-{
+    // A new value is plain, but the style of the parsed text stays.
     CYAMLScalar scalar = valueOf("k: \"abc\"");
     scalar.setValue("xy");
     EXPECT_EQ(2u, scalar.getLength());
     EXPECT_EQ(1, scalar.getPlainImplicit());
     EXPECT_EQ(0, scalar.getQuotedImplicit());
     EXPECT_EQ(3, scalar.getStyle());
-}
-
-TEST(CYAMLObjectTest, WrongKindAccessNamesTheType)
-{
-    const CYAMLScalar scalar("a");
-    const CYAMLSequence sequence;
-    CYAMLMap map;
-    EXPECT_EQ("This object is not a map. Type = 0\n", failureOf<IllegalStateException>([&] { scalar.asMap(); }));
-    EXPECT_EQ("This object is not a scalar. Type = 1\n",
-              failureOf<IllegalStateException>([&] { sequence.asScalar(); }));
-    EXPECT_EQ("This object is not a sequence. Type = 2\n",
-              failureOf<IllegalStateException>([&] { map.asSequence(); }));
 }
 
 TEST(CYAMLBoolTest, AcceptsExactlySixWords)
@@ -183,7 +165,7 @@ TEST(CYAMLMapTest, QuotedAndPlainKeysDifferAndDuplicatesFail)
     EXPECT_EQ(3u, map.getKeyTexts().size());
 }
 
-TEST(CYAMLMapTest, NonScalarValuesAreRefusedByTextConversions)
+TEST(CYAMLMapTest, WrongKindsAreRefusedNamingTheType)
 {
     CYAMLMap map;
     map.add(CYAMLScalar("s"), std::make_shared<CYAMLScalar>("1"));
@@ -194,6 +176,8 @@ TEST(CYAMLMapTest, NonScalarValuesAreRefusedByTextConversions)
     StrVector values;
     EXPECT_EQ("This object is not a scalar. Type = 1\n",
               failureOf<IllegalStateException>([&] { map.getValues(values); }));
+    EXPECT_EQ("This object is not a map. Type = 0\n", failureOf<IllegalStateException>([&] { CYAMLScalar("a").asMap(); }));
+    EXPECT_EQ("This object is not a sequence. Type = 2\n", failureOf<IllegalStateException>([&] { map.asSequence(); }));
     EXPECT_EQ("Map item without value!\n  data:\n    key: k\n",
               failureOf<IllegalArgumentException>([&] { map.add(CYAMLScalar("k"), nullptr); }));
 }

@@ -21,10 +21,10 @@
 
 #include "CYAMLUtil.h"
 #include "Exceptions.h"
-#include "RecordingReceiver.h"
+#include "YamlTestSupport.h"
 
 using namespace kestrix;
-using kestrix::testing::RecordingReceiver;
+using kestrix_test::RecordingReceiver;
 namespace fs = std::filesystem;
 
 namespace {
@@ -48,7 +48,6 @@ struct Reading {
 
 Reading readWithLibyaml(const std::string& text)
 {
-    using namespace kestrix::testing;
     Reading r;
     std::vector<std::pair<bool, size_t>> frames; // is a mapping, nodes seen
     std::map<std::string, std::string> scalarAnchors;
@@ -75,49 +74,39 @@ Reading readWithLibyaml(const std::string& text)
             r.projected.push_back(role + line);
         }
     };
-    yaml_parser_t parser;
-    yaml_parser_initialize(&parser);
-    yaml_parser_set_input_string(&parser, reinterpret_cast<const unsigned char*>(text.data()), text.size());
-    for (bool done = false; !done;) {
-        yaml_event_t e;
-        if ((r.failed = yaml_parser_parse(&parser, &e) == 0)) {
-            break;
-        }
-        std::string line;
-        const yaml_char_t* a = nullptr;
-        switch (e.type) {
-        case YAML_MAPPING_START_EVENT: line = mappingStartLine(e), a = e.data.mapping_start.anchor; break;
-        case YAML_SEQUENCE_START_EVENT: line = sequenceStartLine(e), a = e.data.sequence_start.anchor; break;
-        case YAML_MAPPING_END_EVENT: line = "-MAP"; break;
-        case YAML_SEQUENCE_END_EVENT: line = "-SEQ"; break;
-        case YAML_SCALAR_EVENT: line = scalarLine(e), a = e.data.scalar.anchor; break;
-        case YAML_ALIAS_EVENT: line = "=ALI *", a = e.data.alias.anchor; break;
-        default: done = e.type == YAML_STREAM_END_EVENT;
-        }
-        const std::string anchor = a != nullptr ? reinterpret_cast<const char*>(a) : "";
-        line += e.type == YAML_ALIAS_EVENT ? anchor : "";
+    const kestrix_test::ParsedEvents parsed(text, true);
+    r.failed = parsed.failed();
+    for (const yaml_event_t& e : parsed.all()) {
+        const std::string line = kestrix_test::eventLine(e);
         if (!line.empty()) {
             r.events.push_back(line);
         }
-        if (r.outcome == PARSED && startsWith(line, "=ALI")) {
-            auto found = scalarAnchors.find(anchor);
+        if (r.outcome != PARSED || line.empty()) {
+            continue;
+        }
+        if (e.type == YAML_ALIAS_EVENT) {
+            auto found = scalarAnchors.find(line.substr(6));
             if (found == scalarAnchors.end()) {
                 r.outcome = UNDEFINED_ANCHOR;
             } else {
                 project("=VAL :" + found->second);
             }
-        } else if (r.outcome == PARSED && !line.empty()) {
-            // An anchor on a collection hides an earlier scalar of the same name.
-            scalarAnchors.erase(anchor);
-            if (e.type == YAML_SCALAR_EVENT && !anchor.empty()) {
-                const auto& scalar = e.data.scalar;
-                scalarAnchors[anchor] = escapeValue(reinterpret_cast<const char*>(scalar.value), scalar.length);
-            }
-            project(line);
+            continue;
         }
-        yaml_event_delete(&e);
+        const yaml_char_t* anchor = e.type == YAML_MAPPING_START_EVENT    ? e.data.mapping_start.anchor
+                                    : e.type == YAML_SEQUENCE_START_EVENT ? e.data.sequence_start.anchor
+                                    : e.type == YAML_SCALAR_EVENT         ? e.data.scalar.anchor
+                                                                          : nullptr;
+        if (anchor != nullptr) {
+            // An anchor on a collection hides an earlier scalar of the same name.
+            const std::string name = reinterpret_cast<const char*>(anchor);
+            scalarAnchors.erase(name);
+            if (e.type == YAML_SCALAR_EVENT) {
+                scalarAnchors[name] = kestrix_test::escapeValue(e.data.scalar.value, e.data.scalar.length);
+            }
+        }
+        project(line);
     }
-    yaml_parser_delete(&parser);
     if (r.failed && r.outcome == PARSED) {
         r.outcome = SYNTAX_ERROR;
     }
