@@ -92,12 +92,11 @@ TEST_F(CXMLEmitterTest, WritesValueObjects)
     auto list = std::make_shared<CYAMLSequence>();
     list->add(CYAMLScalar("1"));
     map.add(CYAMLScalar("list"), list);
-    auto inner = std::make_shared<CYAMLMap>();
-    inner->add(CYAMLScalar("k"), std::make_shared<CYAMLScalar>("v"));
-    map.add(CYAMLScalar("inner"), inner);
+    CYAMLMap scalars;
+    scalars.add(CYAMLScalar("k"), std::make_shared<CYAMLScalar>("v"));
 
     m_emitter.mapStart(), m_emitter.writeMappingPair("obj", map), m_emitter.writeMappingPair("none", CYAMLSequence());
-    m_emitter.write("scalars"), m_emitter.writeMapOfScalars(*inner), m_emitter.mapEnd();
+    m_emitter.write("scalars"), m_emitter.writeMapOfScalars(scalars), m_emitter.mapEnd();
     EXPECT_EQ("<map>\n"
               "  <obj>\n"
               "    <map>\n"
@@ -107,11 +106,6 @@ TEST_F(CXMLEmitterTest, WritesValueObjects)
               "          <item>1</item>\n"
               "        </sequence>\n"
               "      </list>\n"
-              "      <inner>\n"
-              "        <map>\n"
-              "          <k>v</k>\n"
-              "        </map>\n"
-              "      </inner>\n"
               "    </map>\n"
               "  </obj>\n"
               "  <scalars>\n"

@@ -82,17 +82,11 @@ TEST(YamlStringReader, ErrorContextPlacesCaretAndBannerBehindTheLineAtFault)
     }
 }
 
-TEST(YamlFileReader, ReadsFromTheSeekPosition)
+TEST(YamlFileReader, ReadsFromTheSeekPositionAndGivesOnlyPositionAndMessageAsContext)
 {
     TempFile file("#### header\nkey: value\n");
     YamlFileReader reader(file.path(), 12);
     EXPECT_EQ("key: value\n", readAll(reader, 5));
-}
-
-TEST(YamlFileReader, ErrorContextIsThePositionAndTheMessage)
-{
-    TempFile file("a: b\n");
-    YamlFileReader reader(file.path(), 0);
     EXPECT_EQ("[Line: 3  Col: 4]\nError: bad thing", reader.getErrorContext(2, 4, "bad thing", 6));
 }
 
