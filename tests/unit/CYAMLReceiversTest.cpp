@@ -172,7 +172,8 @@ TEST(CYAMLSequenceReceiver, RefusesNestedBlocksAndEventsOutsideItsBlock)
         {"Sequence of scalars expected, found scalar mapping value!", [&] { r.mappingValue(early); }},
         {"Sequence of scalars expected, found mapping end!", [&] { r.mappingEnd(); }},
         {"Value outside sequence section: early", [&] { r.sequenceValue(early); }},
-        {"Value outside sequence section: late", [&] { r.sequenceStart(start), r.sequenceEnd(), r.sequenceValue(late); }},
+        {"Value outside sequence section: late",
+         [&] { r.sequenceStart(start), r.sequenceEnd(), r.sequenceValue(late); }},
     });
     EXPECT_TRUE(untouched.isEmpty());
 }

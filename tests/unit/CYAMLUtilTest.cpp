@@ -38,7 +38,8 @@ TEST(CYAMLUtil, ParseScalarRefusesNoneOrSeveralItems)
     CYAMLScalar out("kept");
     EXPECT_EQ(MULTIPLE + "  data:\n    scalar: a, b\n",
               failureOf<ParserException>([&] { CYAMLUtil::parseScalar(out, "a, b"); }));
-    EXPECT_EQ("Empty scalars are not allowed!\n", failureOf<ParserException>([&] { CYAMLUtil::parseScalar(out, "   "); }));
+    EXPECT_EQ("Empty scalars are not allowed!\n",
+              failureOf<ParserException>([&] { CYAMLUtil::parseScalar(out, "   "); }));
     EXPECT_EQ("kept", out.getValue()) << "a failed parse leaves the output alone";
     const std::string mapping = failureOf<ParserException>([&] { CYAMLUtil::parseScalar(out, "k: v"); });
     EXPECT_EQ(0u, mapping.rfind("Illegal argument\n", 0)) << mapping;
@@ -81,8 +82,10 @@ TEST(CYAMLUtil, VerifyScalarAndLimitedScalar)
     CYAMLUtil::verifyLimitedScalar("a.b-c_1:/x", "test ID");
     CYAMLUtil::verifyLimitedScalar("", "test ID");
     EXPECT_EQ("Empty scalars are not allowed!\n", failureOf<ParserException>([] { CYAMLUtil::verifyScalar(" "); }));
-    EXPECT_EQ(MULTIPLE + "  data:\n    scalar: a,b\n", failureOf<ParserException>([] { CYAMLUtil::verifyScalar("a,b"); }));
-    EXPECT_EQ(0u, failureOf<ParserException>([] { CYAMLUtil::verifyScalar("\"open"); }).rfind("YAML syntax error\n", 0));
+    EXPECT_EQ(MULTIPLE + "  data:\n    scalar: a,b\n",
+              failureOf<ParserException>([] { CYAMLUtil::verifyScalar("a,b"); }));
+    const std::string open = failureOf<ParserException>([] { CYAMLUtil::verifyScalar("\"open"); });
+    EXPECT_EQ(0u, open.rfind("YAML syntax error\n", 0)) << open;
     EXPECT_EQ("Only subset of all characters is allowed: letters, numbers, and symbols: _-./:\n"
               "  data:\n    description: test ID\n    invalidString: a b\n    forbiddenChar: ' '\n",
               failureOf<IllegalArgumentException>([] { CYAMLUtil::verifyLimitedScalar("a b", "test ID"); }));

@@ -31,7 +31,8 @@ TEST(CLimitedScalarValidatorTest, AllowsIdCharactersOnly)
               "    description: \n    invalidString: x*y+\n    forbiddenChar: '*'\n",
               failureOf<IllegalArgumentException>([&] { validator.validate(CYAMLScalar("x*y+"), ""); }));
     const std::string withNul("a\0b", 3);
-    EXPECT_NE("no exception", failureOf<IllegalArgumentException>([&] { validator.validate(CYAMLScalar(withNul), ""); }));
+    EXPECT_NE("no exception",
+              failureOf<IllegalArgumentException>([&] { validator.validate(CYAMLScalar(withNul), ""); }));
     // Collections are not checked.
     validator.validate(sequenceOf({"a b"}));
 }
@@ -43,7 +44,8 @@ TEST(CIntervalValidatorTest, NeedsNoneOrTwoOrderedUnsignedIntegers)
     validator.validate(sequenceOf({"5", "5"}));
     validator.validate(CYAMLScalar("123"), "min");
     const std::string twoItems = "Interval in profiler area section should have two items defined!\n  data:\n";
-    EXPECT_EQ(twoItems + "    noOfItems: 1\n", failureOf<ParserException>([&] { validator.validate(sequenceOf({"1"})); }));
+    EXPECT_EQ(twoItems + "    noOfItems: 1\n",
+              failureOf<ParserException>([&] { validator.validate(sequenceOf({"1"})); }));
     EXPECT_EQ(twoItems + "    noOfItems: 3\n",
               failureOf<ParserException>([&] { validator.validate(sequenceOf({"1", "2", "3"})); }));
     EXPECT_EQ("Invalid profiler limits. Min time > max time!\n  data:\n    min: 10\n    max: 9\n",

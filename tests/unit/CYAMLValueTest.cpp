@@ -176,7 +176,8 @@ TEST(CYAMLMapTest, WrongKindsAreRefusedNamingTheType)
     StrVector values;
     EXPECT_EQ("This object is not a scalar. Type = 1\n",
               failureOf<IllegalStateException>([&] { map.getValues(values); }));
-    EXPECT_EQ("This object is not a map. Type = 0\n", failureOf<IllegalStateException>([&] { CYAMLScalar("a").asMap(); }));
+    EXPECT_EQ("This object is not a map. Type = 0\n",
+              failureOf<IllegalStateException>([&] { CYAMLScalar("a").asMap(); }));
     EXPECT_EQ("This object is not a sequence. Type = 2\n", failureOf<IllegalStateException>([&] { map.asSequence(); }));
     EXPECT_EQ("Map item without value!\n  data:\n    key: k\n",
               failureOf<IllegalArgumentException>([&] { map.add(CYAMLScalar("k"), nullptr); }));
