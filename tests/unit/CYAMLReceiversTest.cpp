@@ -32,15 +32,6 @@ public:
     }
 };
 
-/// A parent standing above a receiver.
-class DummyParent : public CYAMLMapReceiver {
-public:
-    DummyParent() : CYAMLMapReceiver(nullptr, &m_map) {}
-
-private:
-    CYAMLMap m_map;
-};
-
 /// The message of the receiver error that a parse of `text` converts.
 template <class R, class T>
 std::string parseError(T& target, const std::string& text, CYAMLValidator* validator = nullptr)
@@ -71,7 +62,7 @@ void expectRefusals(const std::vector<std::pair<std::string, std::function<void(
 
 TEST(CYAMLMapReceiver, FillsTheMapAndReturnsToTheParent)
 {
-    DummyParent parent;
+    kestrix_test::RecordingReceiver parent;
     CYAMLMap map;
     map.add(CYAMLScalar("old"), std::make_shared<CYAMLScalar>("x"));
     RecordingValidator validator;
@@ -131,7 +122,7 @@ TEST(CYAMLMapReceiver, RefusesNestingDuplicatesInvalidKeysAndEventsOutsideItsBlo
 
 TEST(CYAMLSequenceReceiver, FillsTheSequenceAndReturnsToTheParent)
 {
-    DummyParent parent;
+    kestrix_test::RecordingReceiver parent;
     CYAMLSequence sequence;
     sequence.add(CYAMLScalar("old"));
     RecordingValidator validator;

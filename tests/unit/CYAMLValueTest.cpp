@@ -78,7 +78,7 @@ TEST(CYAMLScalarTest, NumbersAndNewValuesArePlain)
     EXPECT_EQ(3, scalar.getStyle());
 }
 
-TEST(CYAMLBoolTest, AcceptsExactlySixWords)
+TEST(CYAMLBoolTest, AcceptsExactlySixWordsAndWritesWords)
 {
     for (const char* word : {"true", "1", "yes", "false", "0", "no"}) {
         EXPECT_EQ(word[0] != 'f' && word[0] != '0' && word[0] != 'n',
@@ -90,10 +90,8 @@ TEST(CYAMLBoolTest, AcceptsExactlySixWords)
     EXPECT_EQ(prefix + "on\n", failureOf<IllegalArgumentException>([] { CYAMLBool(valueOf("k: on")); }));
     EXPECT_EQ(prefix + "True\n", failureOf<IllegalArgumentException>([] { CYAMLBool::toBool("True"); }));
     EXPECT_EQ(prefix + "\n", failureOf<IllegalArgumentException>([] { CYAMLBool::toBool(""); }));
-}
 
-TEST(CYAMLBoolTest, SetBoolWritesWordAndDefaultStaysEmpty)
-{
+    // setBool writes the word; a default stays empty, so it is not written.
     CYAMLBool value = CYAMLBool(valueOf("k: 'yes'"));
     value.setBool(false);
     EXPECT_EQ("false", value.getValue());
