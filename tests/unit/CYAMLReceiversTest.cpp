@@ -128,20 +128,24 @@ TEST(CYAMLSequenceReceiver, FillsTheSequenceAndReturnsToTheParent)
     RecordingValidator validator;
     CYAMLSequenceReceiver receiver(&parent, &sequence, &validator);
 
-    ParsedEvents events("&s !list ['a', b]");
+    ParsedEvents events("&s !list ['a', 'bc', \"d\", e]");
     EXPECT_EQ(&receiver, receiver.sequenceStart(events.get(YAML_SEQUENCE_START_EVENT)));
     EXPECT_EQ(&receiver, receiver.sequenceValue(events.get(YAML_SCALAR_EVENT, 0)));
-    receiver.sequenceValue(events.get(YAML_SCALAR_EVENT, 1));
+    for (size_t i = 1; i < 4; ++i) {
+        receiver.sequenceValue(events.get(YAML_SCALAR_EVENT, i));
+    }
     EXPECT_EQ(&parent, receiver.sequenceEnd());
 
     EXPECT_EQ("s", sequence.getAnchor());
     EXPECT_EQ("!list", sequence.getTag());
     EXPECT_EQ(YAML_FLOW_SEQUENCE_STYLE, sequence.getYamlStyle());
     EXPECT_EQ(NO_IMPLEMENTATION, failureOf<NoSuchMethodException>([&] { receiver.serialize(nullptr); }));
-    StrVector items;
-    sequence.getQuotedVector(items);
-    EXPECT_EQ((Lines{"'a'", "b"}), items);
-    EXPECT_EQ((Lines{"scalar a ''", "scalar b ''", "sequence 2"}), validator.calls);
+    StrVector texts, quoted{"first"}; // single quotes stay only around one character; quoted texts are added
+    sequence.getVector(texts);
+    EXPECT_EQ((Lines{"'a'", "bc", "\"d\"", "e"}), texts);
+    sequence.getQuotedVector(quoted);
+    EXPECT_EQ((Lines{"first", "'a'", "'bc'", "\"d\"", "e"}), quoted);
+    EXPECT_EQ((Lines{"scalar a ''", "scalar bc ''", "scalar d ''", "scalar e ''", "sequence 4"}), validator.calls);
 }
 
 TEST(CYAMLSequenceReceiver, RefusesNestedBlocksAndEventsOutsideItsBlock)
