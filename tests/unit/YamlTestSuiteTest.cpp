@@ -1,14 +1,9 @@
-// Runs every input of the public YAML test suite through CYAMLUtil::parseYAML with a
-// recording receiver. Each input must either parse or fail with a ParserException that names a
-// line and a column; nothing else may escape, nothing may crash.
-//
-// The receiver sees a projection of the event stream: no stream or document events, each scalar
-// with the role the handler gave it (key, value or item), aliases replaced by the anchored
-// scalar's text. `project` computes it, and the refusal the handler must raise (a root scalar,
-// an alias of a collection), from events in the suite's notation. For every input the receiver
-// is compared with the projection of libyaml's own events (what the parser sees), up to the
-// first error. For the valid inputs, libyaml's events are compared with the suite's test.event,
-// which checks the notation; inputs where they differ are libyaml's deviations, listed.
+// Runs every input of the public YAML test suite through CYAMLUtil::parseYAML with a recording
+// receiver: each must parse or fail with a ParserException naming a line and a column; nothing
+// else may escape, nothing may crash. The receiver must get the projection of libyaml's events
+// (no stream or document events, each scalar in its key, value or item role, aliases replaced by
+// the anchored scalar's text) up to the handler's refusal, if any. libyaml's events of the valid
+// inputs are compared with the suite's test.event, which checks the notation.
 
 #include <gtest/gtest.h>
 
