@@ -9,45 +9,28 @@
 #include "CYAMLTestContentHandler.h"
 #include "CYAMLUtil.h"
 #include "Exceptions.h"
-#include "RecordingReceiver.h"
+#include "YamlTestSupport.h"
 #include "YamlStringReader.h"
 
 using namespace kestrix;
-using kestrix::testing::RecordingReceiver;
+using kestrix_test::failureOf;
+using kestrix_test::RecordingReceiver;
 
 namespace {
 
 typedef std::vector<std::string> Lines;
 
-/// Parses `text` into `receiver` and returns the ParserException it must raise.
-ParserException parseFailure(ITestParserEventReceiver& receiver, const std::string& text)
+/// The ParserException of parsing `text` into `receiver`: its description and its context (the
+/// "testSpecification" data item); both empty when the text parses.
+std::pair<std::string, std::string> parseError(ITestParserEventReceiver& receiver, const std::string& text)
 {
-    try {
-        CYAMLUtil::parseYAML(receiver, text);
-    } catch (const ParserException& e) {
-        return e;
+    const std::string failure = failureOf<ParserException>([&] { CYAMLUtil::parseYAML(receiver, text); });
+    const std::string key = "\n  data:\n    testSpecification: ";
+    const size_t at = failure.find(key);
+    if (failure == "no exception" || at == std::string::npos) {
+        return {failure == "no exception" ? "" : failure, ""};
     }
-    ADD_FAILURE() << "no ParserException for: " << text;
-    return ParserException(KX_POS, "none");
-}
-
-/// The "testSpecification" data item of a converted error.
-std::string context(const IException& e)
-{
-    const std::string prefix = "  data:\n    testSpecification: ";
-    EXPECT_EQ(0u, e.getData().rfind(prefix, 0)) << e.getData();
-    return e.getData().substr(prefix.size());
-}
-
-/// A receiver whose `index`-th event throws `error`.
-template <class E>
-void throwAt(RecordingReceiver& receiver, size_t index, const E& error)
-{
-    receiver.beforeEvent = [index, error](size_t count) {
-        if (count == index) {
-            throw error;
-        }
-    };
+    return {failure.substr(0, at), failure.substr(at + key.size())};
 }
 
 /// A root receiver that gives up control at the end of its mapping.
@@ -69,95 +52,76 @@ public:
 
 } // namespace
 
-TEST(CYAMLParser, EmptyTextCallsNoReceiverOperation)
+TEST(CYAMLParser, ReceiverGetsEachNodeInItsRoleUpToARefusalNamingItsCauseAndPosition)
 {
-    RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, "");
-    CYAMLUtil::parseYAML(receiver, "# only a comment\n");
-    EXPECT_TRUE(receiver.events.empty());
-}
-
-TEST(CYAMLParser, KeysValuesAndItemsAlternateThroughNestedBlocks)
-{
-    RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, "id: t1\n"
-                                   "params: [1, '2']\n"
-                                   "stubs:\n"
-                                   "  - func: f\n"
-                                   "    ret: \"x\"\n"
-                                   "after: &n 5\n");
-    EXPECT_EQ((Lines{"+MAP", "key =VAL :id", "value =VAL :t1", "key =VAL :params", "+SEQ []",
-                     "item =VAL :1", "item =VAL '2", "-SEQ", "key =VAL :stubs", "+SEQ", "+MAP",
-                     "key =VAL :func", "value =VAL :f", "key =VAL :ret", "value =VAL \"x", "-MAP",
-                     "-SEQ", "key =VAL :after", "value =VAL &n :5", "-MAP"}),
-              receiver.events);
-}
-
-TEST(CYAMLParser, MappingAsKeyMovesToTheValuePosition)
-{
-    RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, "? {a: b}\n: c\nd: e\n");
-    EXPECT_EQ((Lines{"+MAP", "+MAP {}", "key =VAL :a", "value =VAL :b", "-MAP", "value =VAL :c",
-                     "key =VAL :d", "value =VAL :e", "-MAP"}),
-              receiver.events);
-}
-
-TEST(CYAMLParser, AliasOfAScalarDeliversItsValueAsAPlainScalar)
-{
-    RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, "- &x 'first'\n- *x\n- &x second\n- *x\n");
-    EXPECT_EQ((Lines{"+SEQ", "item =VAL &x 'first", "item =VAL :first", "item =VAL &x :second",
-                     "item =VAL :second", "-SEQ"}),
-              receiver.events);
-}
-
-TEST(CYAMLParser, UndefinedAnchorNamesTheAliasAndItsLine)
-{
-    RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "a: 1\nb: *nowhere\n");
-    EXPECT_EQ("Illegal argument", e.getDesc());
-    std::string text = context(e);
-    EXPECT_NE(std::string::npos, text.find("Error: Undefined anchor: nowhere  [/CYAMLTestContentHandler.cpp, "))
-        << text;
-    EXPECT_NE(std::string::npos, text.find("[Line: 2  Col: 11]")) << text;
-    EXPECT_EQ((Lines{"+MAP", "key =VAL :a", "value =VAL :1", "key =VAL :b"}), receiver.events)
-        << "the receiver keeps what came before the error";
-}
-
-TEST(CYAMLParser, AliasOfACollectionIsRefusedWithAReason)
-{
-    RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "base: &b {x: 1}\nderived: *b\n");
-    std::string text = context(e);
-    EXPECT_NE(std::string::npos, text.find("Error: Undefined anchor: b  [")) << text;
-    EXPECT_NE(std::string::npos, text.find("reason: aliases of mappings and sequences are not supported"))
-        << text;
-    EXPECT_NE(std::string::npos, text.find("[Line: 2  Col: 11]")) << text;
-}
-
-TEST(CYAMLParser, ScalarAnchorRedefinedOnACollectionIsNoLongerAScalar)
-{
-    RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "- &a 1\n- &a [2]\n- *a\n");
-    EXPECT_NE(std::string::npos, context(e).find("Undefined anchor: a")) << context(e);
-}
-
-TEST(CYAMLParser, RootScalarIsAStandaloneScalar)
-{
-    RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "just text\n");
-    EXPECT_EQ("Illegal argument", e.getDesc());
-    EXPECT_NE(std::string::npos,
-              context(e).find("Error: Standalone scalar not allowed. It should be member of mapping or "
-                              "sequence: just text  ["))
-        << context(e);
+    struct Case {
+        const char* input;
+        Lines events;      // what the receiver gets (before the error)
+        const char* desc;  // of the error, "" when the input parses
+        Lines fragments;   // of the error's context
+        bool endingRoot = false;
+    };
+    const char* const behindRoot =
+        "Error: Unexpected YAML content after the end of the root block. Only one YAML document is allowed!";
+    const std::vector<Case> cases = {
+        {"", {}, "", {}},
+        {"# only a comment\n", {}, "", {}},
+        {"id: t1\nparams: [1, '2']\nstubs:\n  - func: f\n    ret: \"x\"\nafter: &n 5\n",
+         {"+MAP", "key =VAL :id", "value =VAL :t1", "key =VAL :params", "+SEQ []", "item =VAL :1", "item =VAL '2",
+          "-SEQ", "key =VAL :stubs", "+SEQ", "+MAP", "key =VAL :func", "value =VAL :f", "key =VAL :ret",
+          "value =VAL \"x", "-MAP", "-SEQ", "key =VAL :after", "value =VAL &n :5", "-MAP"},
+         "", {}},
+        // A mapping as key moves the next scalar to the value position.
+        {"? {a: b}\n: c\nd: e\n",
+         {"+MAP", "+MAP {}", "key =VAL :a", "value =VAL :b", "-MAP", "value =VAL :c", "key =VAL :d", "value =VAL :e",
+          "-MAP"},
+         "", {}},
+        // An alias of a scalar delivers the anchored value as a plain scalar.
+        {"- &x 'first'\n- *x\n- &x second\n- *x\n",
+         {"+SEQ", "item =VAL &x 'first", "item =VAL :first", "item =VAL &x :second", "item =VAL :second", "-SEQ"}, "",
+         {}},
+        // A second document goes to the receiver that the first left.
+        {"a: 1\n---\n- b\n", {"+MAP", "key =VAL :a", "value =VAL :1", "-MAP", "+SEQ", "item =VAL :b", "-SEQ"}, "", {}},
+        {"a: 1\nb: *nowhere\n", {"+MAP", "key =VAL :a", "value =VAL :1", "key =VAL :b"}, "Illegal argument",
+         {"Error: Undefined anchor: nowhere  [/CYAMLTestContentHandler.cpp, ", "[Line: 2  Col: 11]"}},
+        {"base: &b {x: 1}\nderived: *b\n",
+         {"+MAP", "key =VAL :base", "+MAP {} &b", "key =VAL :x", "value =VAL :1", "-MAP", "key =VAL :derived"},
+         "Illegal argument",
+         {"Error: Undefined anchor: b  [", "reason: aliases of mappings and sequences are not supported",
+          "[Line: 2  Col: 11]"}},
+        // A scalar anchor redefined on a collection is no longer a scalar.
+        {"- &a 1\n- &a [2]\n- *a\n", {"+SEQ", "item =VAL &a :1", "+SEQ [] &a", "item =VAL :2", "-SEQ"},
+         "Illegal argument", {"Error: Undefined anchor: a  ["}},
+        {"just text\n", {}, "Illegal argument",
+         {"Error: Standalone scalar not allowed. It should be member of mapping or sequence: just text  ["}},
+        {"a:\n\tb: 1\n", {"+MAP", "key =VAL :a"}, "YAML syntax error",
+         {"      \tb: 1\n      ^\n      Error: Cannot scan the input stream. found character that cannot start "
+          "any token\n",
+          "[Line: 2  Col: 0]"}},
+        // Content behind a root block whose receiver gave up control.
+        {"a: 1\n---\nb: 2\n", {"+MAP", "key =VAL :a", "value =VAL :1", "-MAP"}, "Illegal argument",
+         {behindRoot, "[Line: 3  Col: 2]"}, true},
+        {"a: 1\n--- text\n", {"+MAP", "key =VAL :a", "value =VAL :1", "-MAP"}, "Illegal argument", {behindRoot}, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.input);
+        RecordingReceiver plain;
+        EndingReceiver ending;
+        RecordingReceiver& receiver = c.endingRoot ? ending : plain;
+        const auto [desc, text] = parseError(receiver, c.input);
+        EXPECT_EQ(c.desc, desc);
+        for (const std::string& fragment : c.fragments) {
+            EXPECT_NE(std::string::npos, text.find(fragment)) << fragment << "\nin: " << text;
+        }
+        EXPECT_EQ(c.events, receiver.events);
+    }
 }
 
 TEST(CYAMLParser, SyntaxErrorShowsTheWholeExcerpt)
 {
     RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "a: 1\nb: [2\nc: 3\n");
-    EXPECT_EQ("YAML syntax error", e.getDesc());
+    const auto [desc, text] = parseError(receiver, "a: 1\nb: [2\nc: 3\n");
+    EXPECT_EQ("YAML syntax error", desc);
     EXPECT_EQ("\n"
               "      ---\n"
               "      a: 1\n"
@@ -173,20 +137,7 @@ TEST(CYAMLParser, SyntaxErrorShowsTheWholeExcerpt)
               "      ---\n"
               "      [Line: 3  Col: 2]\n"
               "\n",
-              context(e));
-}
-
-TEST(CYAMLParser, TabIndentIsASyntaxErrorWithCaretUnderItsLine)
-{
-    RecordingReceiver receiver;
-    ParserException e = parseFailure(receiver, "a:\n\tb: 1\n");
-    EXPECT_EQ("YAML syntax error", e.getDesc());
-    std::string text = context(e);
-    EXPECT_NE(std::string::npos,
-              text.find("      \tb: 1\n      ^\n      Error: Cannot scan the input stream. found character "
-                        "that cannot start any token\n"))
-        << text;
-    EXPECT_NE(std::string::npos, text.find("[Line: 2  Col: 0]")) << text;
+              text);
 }
 
 TEST(CYAMLParser, SyntaxErrorInAFileGivesPositionAndMessageOnly)
@@ -194,56 +145,32 @@ TEST(CYAMLParser, SyntaxErrorInAFileGivesPositionAndMessageOnly)
     std::string path = ::testing::TempDir() + "parser_syntax_error.yaml";
     std::ofstream(path) << "ignored: [\nbad\n# seek lands here\na:\n\tb: 1\n";
     RecordingReceiver receiver;
-    try {
-        CYAMLUtil::parseYAML(receiver, path, 15);
-        ADD_FAILURE() << "no exception";
-    } catch (const ParserException& e) {
-        EXPECT_EQ("YAML syntax error", e.getDesc());
-        EXPECT_EQ("[Line: 3  Col: 0]\nError: Cannot scan the input stream. found character that cannot "
-                  "start any token\n",
-                  context(e));
-    }
+    EXPECT_EQ("YAML syntax error\n  data:\n    testSpecification: [Line: 3  Col: 0]\n"
+              "Error: Cannot scan the input stream. found character that cannot start any token\n",
+              failureOf<ParserException>([&] { CYAMLUtil::parseYAML(receiver, path, 15); }));
     std::remove(path.c_str());
 }
 
 TEST(CYAMLParser, ReceiverExceptionsAreConvertedByKind)
 {
-    struct Case {
-        std::function<void(RecordingReceiver&)> arm;
-        const char* desc;
-        const char* cause;
+    const std::vector<std::tuple<std::function<void()>, const char*, const char*>> cases = {
+        {[] { throw IOException(KX_POS, "io"); }, "IO error", "io"},
+        {[] { throw IllegalStateException(KX_POS, "st"); }, "Illegal state", "st"},
+        {[] { throw IllegalArgumentException(KX_POS, "ar"); }, "Illegal argument", "ar"},
+        {[] { throw NoSuchMethodException(KX_POS, "ns"); }, "Illegal argument", "ns"},
     };
-    const std::vector<Case> cases = {
-        {[](RecordingReceiver& r) { throwAt(r, 2, IOException(KX_POS, "io")); }, "IO error", "io"},
-        {[](RecordingReceiver& r) { throwAt(r, 2, IllegalStateException(KX_POS, "st")); }, "Illegal state", "st"},
-        {[](RecordingReceiver& r) { throwAt(r, 2, IllegalArgumentException(KX_POS, "ar")); }, "Illegal argument",
-         "ar"},
-        {[](RecordingReceiver& r) { throwAt(r, 2, NoSuchMethodException(KX_POS, "ns")); }, "Illegal argument",
-         "ns"},
-    };
-    for (const Case& c : cases) {
+    for (const auto& [raise, desc, cause] : cases) {
         RecordingReceiver receiver;
-        c.arm(receiver);
-        ParserException e = parseFailure(receiver, "k1: v1\nk2: v2\n");
-        EXPECT_EQ(c.desc, e.getDesc());
-        std::string text = context(e);
-        EXPECT_NE(std::string::npos, text.find(std::string("Error: ") + c.cause + "  [/CYAMLParserTest.cpp, "))
-            << text;
+        const std::function<void()>& thrower = raise;
+        receiver.beforeEvent = [&thrower](size_t count) { count == 2 ? thrower() : void(); };
+        const auto [kind, text] = parseError(receiver, "k1: v1\nk2: v2\n");
+        EXPECT_EQ(desc, kind);
+        EXPECT_NE(std::string::npos, text.find(std::string("Error: ") + cause + "  [/CYAMLParserTest.cpp, ")) << text;
         EXPECT_NE(std::string::npos, text.find("[Line: 2  Col: 0]")) << text;
     }
 }
 
-TEST(CYAMLParser, ReaderExceptionLeavesUnconverted)
-{
-    RecordingReceiver receiver;
-    CYAMLTestContentHandler handler(&receiver);
-    CYAMLParser parser;
-    parser.setContentHandler(&handler);
-    FailingInput input;
-    EXPECT_THROW(parser.parse(input), IOException);
-}
-
-TEST(CYAMLParser, ParserWithoutHandlerOrUsedTwiceRefuses)
+TEST(CYAMLParser, RefusesUseWithoutHandlerOrTwiceAndLeavesReaderErrorsUnconverted)
 {
     CYAMLParser parser;
     YamlStringReader input("a: b");
@@ -253,31 +180,9 @@ TEST(CYAMLParser, ParserWithoutHandlerOrUsedTwiceRefuses)
     parser.setContentHandler(&handler);
     parser.parse(input);
     EXPECT_THROW(parser.parse(input), IllegalStateException);
-}
 
-TEST(CYAMLParser, SecondDocumentGoesToTheReceiverThatTheFirstLeft)
-{
-    RecordingReceiver receiver;
-    CYAMLUtil::parseYAML(receiver, "a: 1\n---\n- b\n");
-    EXPECT_EQ((Lines{"+MAP", "key =VAL :a", "value =VAL :1", "-MAP", "+SEQ", "item =VAL :b", "-SEQ"}),
-              receiver.events);
-}
-
-TEST(CYAMLParser, ContentBehindARootBlockThatLeftNoReceiverIsRefused)
-{
-    EndingReceiver receiver;
-    ParserException e = parseFailure(receiver, "a: 1\n---\nb: 2\n");
-    EXPECT_EQ("Illegal argument", e.getDesc());
-    std::string text = context(e);
-    EXPECT_NE(std::string::npos,
-              text.find("Error: Unexpected YAML content after the end of the root block. Only one YAML "
-                        "document is allowed!"))
-        << text;
-    EXPECT_NE(std::string::npos, text.find("[Line: 3  Col: 2]")) << text;
-    EXPECT_EQ((Lines{"+MAP", "key =VAL :a", "value =VAL :1", "-MAP"}), receiver.events);
-
-    EndingReceiver second;
-    ParserException scalarDocument = parseFailure(second, "a: 1\n--- text\n");
-    EXPECT_NE(std::string::npos, context(scalarDocument).find("Error: Unexpected YAML content after the end"))
-        << context(scalarDocument);
+    CYAMLParser failing;
+    failing.setContentHandler(&handler);
+    FailingInput broken;
+    EXPECT_THROW(failing.parse(broken), IOException);
 }

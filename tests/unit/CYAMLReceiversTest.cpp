@@ -8,45 +8,17 @@
 #include "CYAMLSequenceReceiver.h"
 #include "CYAMLUtil.h"
 #include "Exceptions.h"
+#include "YamlTestSupport.h"
 
 using namespace kestrix;
+using kestrix_test::failureOf;
+using kestrix_test::ParsedEvents;
 
 namespace {
 
 typedef std::vector<std::string> Lines;
 
-/// A libyaml event built for a direct call, deleted at the end of the scope.
-class Event {
-public:
-    static Event scalar(const char* value, const char* anchor = nullptr, const char* tag = nullptr,
-                        yaml_scalar_style_t style = YAML_PLAIN_SCALAR_STYLE)
-    {
-        Event e;
-        yaml_scalar_event_initialize(&e.m_event, yc(anchor), yc(tag), yc(value), -1, tag == nullptr,
-                                     tag == nullptr, style);
-        return e;
-    }
-    static Event mapping(const char* anchor, const char* tag, yaml_mapping_style_t style)
-    {
-        Event e;
-        yaml_mapping_start_event_initialize(&e.m_event, yc(anchor), yc(tag), tag == nullptr, style);
-        return e;
-    }
-    static Event sequence(const char* anchor, const char* tag, yaml_sequence_style_t style)
-    {
-        Event e;
-        yaml_sequence_start_event_initialize(&e.m_event, yc(anchor), yc(tag), tag == nullptr, style);
-        return e;
-    }
-    Event(Event&& other) noexcept : m_event(other.m_event) { other.m_event.type = YAML_NO_EVENT; }
-    ~Event() { yaml_event_delete(&m_event); }
-    operator const yaml_event_t&() const { return m_event; }
-
-private:
-    Event() = default;
-    static yaml_char_t* yc(const char* text) { return reinterpret_cast<yaml_char_t*>(const_cast<char*>(text)); }
-    yaml_event_t m_event{};
-};
+const std::string NO_IMPLEMENTATION = "Method has no useful implementation!\n";
 
 /// Records what the receivers ask it to validate.
 class RecordingValidator : public CYAMLValidator {
@@ -60,20 +32,11 @@ public:
     }
 };
 
-/// A parent standing above a receiver.
-class DummyParent : public CYAMLMapReceiver {
-public:
-    DummyParent() : CYAMLMapReceiver(nullptr, &m_map) {}
-
-private:
-    CYAMLMap m_map;
-};
-
 /// The message of the receiver error that a parse of `text` converts.
 template <class R, class T>
-std::string parseError(T& target, const std::string& text)
+std::string parseError(T& target, const std::string& text, CYAMLValidator* validator = nullptr)
 {
-    R receiver(nullptr, &target);
+    R receiver(nullptr, &target, validator);
     try {
         CYAMLUtil::parseYAML(receiver, text);
     } catch (const ParserException& e) {
@@ -87,40 +50,36 @@ std::string parseError(T& target, const std::string& text)
     return "";
 }
 
-template <class F>
-std::string desc(F call)
+/// Each call must raise a ParserException with exactly its text.
+void expectRefusals(const std::vector<std::pair<std::string, std::function<void()>>>& calls)
 {
-    try {
-        call();
-    } catch (const IException& e) {
-        return e.getDesc();
+    for (const auto& call : calls) {
+        EXPECT_EQ(call.first + "\n", failureOf<ParserException>(call.second));
     }
-    return "<nothing thrown>";
 }
 
 } // namespace
 
 TEST(CYAMLMapReceiver, FillsTheMapAndReturnsToTheParent)
 {
-    DummyParent parent;
+    kestrix_test::RecordingReceiver parent;
     CYAMLMap map;
     map.add(CYAMLScalar("old"), std::make_shared<CYAMLScalar>("x"));
     RecordingValidator validator;
     CYAMLMapReceiver receiver(&parent, &map, &validator);
 
-    Event start = Event::mapping("m", "!cfg", YAML_FLOW_MAPPING_STYLE);
-    EXPECT_EQ(&receiver, receiver.mappingStart(start));
-    Event k1 = Event::scalar("b"), v1 = Event::scalar("1", nullptr, nullptr, YAML_DOUBLE_QUOTED_SCALAR_STYLE);
-    Event k2 = Event::scalar("a"), v2 = Event::scalar("2");
-    EXPECT_EQ(&receiver, receiver.mappingKey(k1));
-    EXPECT_EQ(&receiver, receiver.mappingValue(v1));
-    receiver.mappingKey(k2);
-    receiver.mappingValue(v2);
+    ParsedEvents events("&m !cfg {b: \"1\", a: 2}");
+    EXPECT_EQ(&receiver, receiver.mappingStart(events.get(YAML_MAPPING_START_EVENT)));
+    EXPECT_EQ(&receiver, receiver.mappingKey(events.get(YAML_SCALAR_EVENT, 0)));
+    EXPECT_EQ(&receiver, receiver.mappingValue(events.get(YAML_SCALAR_EVENT, 1)));
+    receiver.mappingKey(events.get(YAML_SCALAR_EVENT, 2));
+    receiver.mappingValue(events.get(YAML_SCALAR_EVENT, 3));
     EXPECT_EQ(&parent, receiver.mappingEnd());
 
     EXPECT_EQ("m", map.getAnchor());
     EXPECT_EQ("!cfg", map.getTag());
     EXPECT_EQ(YAML_FLOW_MAPPING_STYLE, map.getYamlStyle());
+    EXPECT_EQ(NO_IMPLEMENTATION, failureOf<NoSuchMethodException>([&] { receiver.serialize(nullptr); }));
     EXPECT_EQ((Lines{"b", "a"}), map.getKeyTexts()) << "entries of the target are replaced";
     StrVector values;
     map.getValues(values);
@@ -128,83 +87,68 @@ TEST(CYAMLMapReceiver, FillsTheMapAndReturnsToTheParent)
     EXPECT_EQ((Lines{"scalar b ''", "scalar a ''", "map 2"}), validator.calls);
 }
 
-TEST(CYAMLMapReceiver, RefusesNestedMapsAndSequences)
+TEST(CYAMLMapReceiver, RefusesNestingDuplicatesInvalidKeysAndEventsOutsideItsBlock)
 {
     CYAMLMap map;
     EXPECT_EQ("Nested maps are not allowed!", (parseError<CYAMLMapReceiver>(map, "a: {b: c}")));
     EXPECT_EQ("No sequences allowed inside mapping!", (parseError<CYAMLMapReceiver>(map, "a: [1]")));
     EXPECT_EQ("No sequences allowed inside mapping!", (parseError<CYAMLMapReceiver>(map, "- 1")));
-    CYAMLMapReceiver receiver(nullptr, &map);
-    Event item = Event::scalar("1");
-    EXPECT_EQ("No sequences allowed inside mapping!", desc([&] { receiver.sequenceValue(item); }));
-    EXPECT_EQ("No sequences allowed inside mapping!", desc([&] { receiver.sequenceEnd(); }));
-}
-
-TEST(CYAMLMapReceiver, RefusesDuplicateKeysNamingTheKey)
-{
-    CYAMLMap map;
     EXPECT_EQ("Duplicate keys are not allowed in map: a", (parseError<CYAMLMapReceiver>(map, "{a: 1, b: 2, a: 3}")));
     EXPECT_EQ((Lines{"a", "b"}), map.getKeyTexts()) << "the map keeps what came before the error";
+    CLimitedScalarValidator validator;
+    EXPECT_EQ("Only subset of all characters is allowed: letters, numbers, and symbols: _-./:",
+              (parseError<CYAMLMapReceiver>(map, "ok: 1\n'bad key': 2\n", &validator)));
+
     CYAMLMap quoted;
     CYAMLUtil::parseYAML(*std::make_unique<CYAMLMapReceiver>(nullptr, &quoted), "{a: 1, \"a\": 2}");
     EXPECT_EQ((Lines{"a", "\"a\""}), quoted.getKeyTexts()) << "a quoted key is another key";
-}
 
-TEST(CYAMLMapReceiver, RefusesScalarsOutsideItsBlock)
-{
-    CYAMLMap map;
-    CYAMLMapReceiver receiver(nullptr, &map);
-    Event key = Event::scalar("early"), value = Event::scalar("v");
-    EXPECT_EQ("Key outside mapping section: early", desc([&] { receiver.mappingKey(key); }));
-    EXPECT_EQ("Scalar value outside mapping section: early", desc([&] { receiver.mappingValue(value); }));
-    Event start = Event::mapping(nullptr, nullptr, YAML_BLOCK_MAPPING_STYLE);
-    receiver.mappingStart(start);
-    receiver.mappingEnd();
-    Event late = Event::scalar("late");
-    EXPECT_EQ("Key outside mapping section: late", desc([&] { receiver.mappingKey(late); }));
-    EXPECT_EQ("Nested maps are not allowed!", desc([&] { receiver.mappingStart(start); }));
-    EXPECT_TRUE(map.isEmpty());
-}
-
-TEST(CYAMLMapReceiver, ValidatorErrorOnAKeyComesFromTheParse)
-{
-    CYAMLMap map;
-    CLimitedScalarValidator validator;
-    CYAMLMapReceiver receiver(nullptr, &map, &validator);
-    try {
-        CYAMLUtil::parseYAML(receiver, "ok: 1\n'bad key': 2\n");
-        FAIL() << "no exception";
-    } catch (const ParserException& e) {
-        EXPECT_EQ("Illegal argument", e.getDesc());
-        EXPECT_NE(std::string::npos, e.getData().find("forbiddenChar: ' '")) << e.getData();
-    }
+    CYAMLMap untouched;
+    CYAMLMapReceiver r(nullptr, &untouched);
+    ParsedEvents events("{early: late}");
+    const yaml_event_t &start = events.get(YAML_MAPPING_START_EVENT), &early = events.get(YAML_SCALAR_EVENT, 0),
+                       &late = events.get(YAML_SCALAR_EVENT, 1);
+    expectRefusals({
+        {"Key outside mapping section: early", [&] { r.mappingKey(early); }},
+        // A value out of place is named by the key before it.
+        {"Scalar value outside mapping section: early", [&] { r.mappingValue(late); }},
+        {"No sequences allowed inside mapping!", [&] { r.sequenceValue(early); }},
+        {"No sequences allowed inside mapping!", [&] { r.sequenceEnd(); }},
+        {"Key outside mapping section: late", [&] { r.mappingStart(start), r.mappingEnd(), r.mappingKey(late); }},
+        {"Nested maps are not allowed!", [&] { r.mappingStart(start); }},
+    });
+    EXPECT_TRUE(untouched.isEmpty());
 }
 
 TEST(CYAMLSequenceReceiver, FillsTheSequenceAndReturnsToTheParent)
 {
-    DummyParent parent;
+    kestrix_test::RecordingReceiver parent;
     CYAMLSequence sequence;
     sequence.add(CYAMLScalar("old"));
     RecordingValidator validator;
     CYAMLSequenceReceiver receiver(&parent, &sequence, &validator);
 
-    Event start = Event::sequence("s", "!list", YAML_FLOW_SEQUENCE_STYLE);
-    EXPECT_EQ(&receiver, receiver.sequenceStart(start));
-    Event a = Event::scalar("a", nullptr, nullptr, YAML_SINGLE_QUOTED_SCALAR_STYLE), b = Event::scalar("b");
-    EXPECT_EQ(&receiver, receiver.sequenceValue(a));
-    receiver.sequenceValue(b);
+    ParsedEvents events("&s !list ['a', 'bc', \"d\", e]");
+    EXPECT_EQ(&receiver, receiver.sequenceStart(events.get(YAML_SEQUENCE_START_EVENT)));
+    EXPECT_EQ(&receiver, receiver.sequenceValue(events.get(YAML_SCALAR_EVENT, 0)));
+    for (size_t i = 1; i < 4; ++i) {
+        receiver.sequenceValue(events.get(YAML_SCALAR_EVENT, i));
+    }
     EXPECT_EQ(&parent, receiver.sequenceEnd());
 
     EXPECT_EQ("s", sequence.getAnchor());
     EXPECT_EQ("!list", sequence.getTag());
     EXPECT_EQ(YAML_FLOW_SEQUENCE_STYLE, sequence.getYamlStyle());
-    StrVector items;
-    sequence.getQuotedVector(items);
-    EXPECT_EQ((Lines{"'a'", "b"}), items);
-    EXPECT_EQ((Lines{"scalar a ''", "scalar b ''", "sequence 2"}), validator.calls);
+    EXPECT_EQ(NO_IMPLEMENTATION, failureOf<NoSuchMethodException>([&] { receiver.serialize(nullptr); }));
+    StrVector texts, quoted{"first"}; // single quotes stay only around one character; quoted texts are added
+    sequence.getVector(texts);
+    EXPECT_EQ((Lines{"'a'", "bc", "\"d\"", "e"}), texts);
+    sequence.getQuotedVector(quoted);
+    EXPECT_EQ((Lines{"first", "'a'", "'bc'", "\"d\"", "e"}), quoted);
+    EXPECT_EQ((Lines{"scalar a ''", "scalar bc ''", "scalar d ''", "scalar e ''", "sequence 4"}), validator.calls);
 }
 
-TEST(CYAMLSequenceReceiver, RefusesNestedBlocks)
+TEST(CYAMLSequenceReceiver, RefusesNestedBlocksAndEventsOutsideItsBlock)
 {
     CYAMLSequence sequence;
     EXPECT_EQ("Nested sequences are not allowed!", (parseError<CYAMLSequenceReceiver>(sequence, "[a, [b]]")));
@@ -212,34 +156,19 @@ TEST(CYAMLSequenceReceiver, RefusesNestedBlocks)
               (parseError<CYAMLSequenceReceiver>(sequence, "[a, {b: c}]")));
     EXPECT_EQ("Sequence of scalars expected, found mapping start!",
               (parseError<CYAMLSequenceReceiver>(sequence, "a: b")));
-    CYAMLSequenceReceiver receiver(nullptr, &sequence);
-    Event scalar = Event::scalar("k");
-    EXPECT_EQ("Sequence of scalars expected, found scalar mapping key!", desc([&] { receiver.mappingKey(scalar); }));
-    EXPECT_EQ("Sequence of scalars expected, found scalar mapping value!",
-              desc([&] { receiver.mappingValue(scalar); }));
-    EXPECT_EQ("Sequence of scalars expected, found mapping end!", desc([&] { receiver.mappingEnd(); }));
-}
 
-TEST(CYAMLSequenceReceiver, RefusesValuesOutsideItsBlock)
-{
-    CYAMLSequence sequence;
-    CYAMLSequenceReceiver receiver(nullptr, &sequence);
-    Event early = Event::scalar("early");
-    EXPECT_EQ("Value outside sequence section: early", desc([&] { receiver.sequenceValue(early); }));
-    Event start = Event::sequence(nullptr, nullptr, YAML_BLOCK_SEQUENCE_STYLE);
-    receiver.sequenceStart(start);
-    receiver.sequenceEnd();
-    Event late = Event::scalar("late");
-    EXPECT_EQ("Value outside sequence section: late", desc([&] { receiver.sequenceValue(late); }));
-    EXPECT_TRUE(sequence.isEmpty());
-}
-
-TEST(CYAMLReceivers, SerializeHasNoUsefulImplementation)
-{
-    CYAMLMap map;
-    CYAMLSequence sequence;
-    CYAMLMapReceiver mapReceiver(nullptr, &map);
-    CYAMLSequenceReceiver sequenceReceiver(nullptr, &sequence);
-    EXPECT_THROW(mapReceiver.serialize(nullptr), NoSuchMethodException);
-    EXPECT_EQ("Method has no useful implementation!", desc([&] { sequenceReceiver.serialize(nullptr); }));
+    CYAMLSequence untouched;
+    CYAMLSequenceReceiver r(nullptr, &untouched);
+    ParsedEvents events("[early, late]");
+    const yaml_event_t &start = events.get(YAML_SEQUENCE_START_EVENT), &early = events.get(YAML_SCALAR_EVENT, 0),
+                       &late = events.get(YAML_SCALAR_EVENT, 1);
+    expectRefusals({
+        {"Sequence of scalars expected, found scalar mapping key!", [&] { r.mappingKey(early); }},
+        {"Sequence of scalars expected, found scalar mapping value!", [&] { r.mappingValue(early); }},
+        {"Sequence of scalars expected, found mapping end!", [&] { r.mappingEnd(); }},
+        {"Value outside sequence section: early", [&] { r.sequenceValue(early); }},
+        {"Value outside sequence section: late",
+         [&] { r.sequenceStart(start), r.sequenceEnd(), r.sequenceValue(late); }},
+    });
+    EXPECT_TRUE(untouched.isEmpty());
 }

@@ -28,39 +28,30 @@ TEST(CLimitedScalarValidatorTest, AllowsIdCharactersOnly)
     validator.validate(CYAMLScalar("a.b-c_1:/x"), "test ID");
     validator.validate(CYAMLScalar(""), "test ID");
     EXPECT_EQ("Only subset of all characters is allowed: letters, numbers, and symbols: _-./:\n  data:\n"
-              "    description: test ID\n    invalidString: a b\n    forbiddenChar: ' '\n",
-              failureOf<IllegalArgumentException>([&] { validator.validate(CYAMLScalar("a b"), "test ID"); }));
-    EXPECT_EQ("Only subset of all characters is allowed: letters, numbers, and symbols: _-./:\n  data:\n"
               "    description: \n    invalidString: x*y+\n    forbiddenChar: '*'\n",
               failureOf<IllegalArgumentException>([&] { validator.validate(CYAMLScalar("x*y+"), ""); }));
     const std::string withNul("a\0b", 3);
-    EXPECT_NE("no exception", failureOf<IllegalArgumentException>([&] { validator.validate(CYAMLScalar(withNul), ""); }));
+    EXPECT_NE("no exception",
+              failureOf<IllegalArgumentException>([&] { validator.validate(CYAMLScalar(withNul), ""); }));
     // Collections are not checked.
     validator.validate(sequenceOf({"a b"}));
-    validator.validate(CYAMLMap());
 }
 
-TEST(CIntervalValidatorTest, NeedsNoneOrTwoOrderedIntegers)
+TEST(CIntervalValidatorTest, NeedsNoneOrTwoOrderedUnsignedIntegers)
 {
     CIntervalValidator validator;
     validator.validate(sequenceOf({}));
     validator.validate(sequenceOf({"5", "5"}));
-    validator.validate(sequenceOf({"0", "100"}));
-    EXPECT_EQ("Interval in profiler area section should have two items defined!\n  data:\n    noOfItems: 1\n",
+    validator.validate(CYAMLScalar("123"), "min");
+    const std::string twoItems = "Interval in profiler area section should have two items defined!\n  data:\n";
+    EXPECT_EQ(twoItems + "    noOfItems: 1\n",
               failureOf<ParserException>([&] { validator.validate(sequenceOf({"1"})); }));
-    EXPECT_EQ("Interval in profiler area section should have two items defined!\n  data:\n    noOfItems: 3\n",
+    EXPECT_EQ(twoItems + "    noOfItems: 3\n",
               failureOf<ParserException>([&] { validator.validate(sequenceOf({"1", "2", "3"})); }));
     EXPECT_EQ("Invalid profiler limits. Min time > max time!\n  data:\n    min: 10\n    max: 9\n",
               failureOf<ParserException>([&] { validator.validate(sequenceOf({"10", "9"})); }));
     EXPECT_EQ("Integer expected: x\n",
               failureOf<IllegalArgumentException>([&] { validator.validate(sequenceOf({"x", "9"})); }));
-}
-
-TEST(CIntervalValidatorTest, ScalarMustBeAnUnsignedInteger)
-{
-    CIntervalValidator validator;
-    validator.validate(CYAMLScalar("123"), "min");
-    validator.validate(CYAMLMap());
     EXPECT_EQ("Integer expected: -5\n",
               failureOf<IllegalArgumentException>([&] { validator.validate(CYAMLScalar("-5"), "min"); }));
     EXPECT_EQ("Conversion from string to 'long long' failed, because the string is empty!\n",

@@ -7,8 +7,10 @@
 #include "Exceptions.h"
 #include "YamlFileReader.h"
 #include "YamlStringReader.h"
+#include "YamlTestSupport.h"
 
 using namespace kestrix;
+using kestrix_test::failureOf;
 
 namespace {
 
@@ -54,105 +56,46 @@ TEST(YamlStringReader, ReadsInChunksUpToTheEnd)
 
 TEST(YamlStringReader, ErrorContextPlacesCaretAndBannerBehindTheLineAtFault)
 {
-    YamlStringReader reader("a: 1\nb: 2\nc: 3");
-    EXPECT_EQ("\n"
-              "  ---\n"
-              "  a: 1\n"
-              "  b: 2\n"
-              "    ^\n"
-              "  Error: Oops\n" +
-                  BANNER +
-                  "\n"
-                  "  c: 3\n"
-                  "  ---\n"
-                  "  [Line: 2  Col: 3]\n",
-              reader.getErrorContext(1, 3, "Oops", 2));
+    struct Case {
+        const char* text;
+        size_t line, column;
+        const char* message;
+        int indent;
+        std::string expected;
+    };
+    const std::vector<Case> cases = {
+        {"a: 1\nb: 2\nc: 3", 1, 3, "Oops", 2,
+         "\n  ---\n  a: 1\n  b: 2\n    ^\n  Error: Oops\n" + BANNER + "\n  c: 3\n  ---\n  [Line: 2  Col: 3]\n"},
+        {"x\ny\n", 0, 0, "E", 1, "\n ---\n x\n ^\n Error: E\n" + BANNER + "\n y\n \n ---\n [Line: 1  Col: 0]\n"},
+        // On a last line without a line end, what follows the banner is empty.
+        {"a: 1\nb", 1, 0, "M", 6,
+         "\n      ---\n      a: 1\n      b\n      ^\n      Error: M\n" + BANNER +
+             "\n\n      ---\n      [Line: 2  Col: 0]\n"},
+        // Behind a final line end the empty last line is not lost.
+        {"k: [v\n", 1, 0, "end", 2,
+         "\n  ---\n  k: [v\n  \n  ^\n  Error: end\n" + BANNER + "\n\n  ---\n  [Line: 2  Col: 0]\n"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.text);
+        YamlStringReader reader(c.text);
+        EXPECT_EQ(c.expected, reader.getErrorContext(c.line, c.column, c.message, c.indent));
+    }
 }
 
-TEST(YamlStringReader, ErrorContextOnTheFirstLineWithColumnZero)
-{
-    YamlStringReader reader("x\ny\n");
-    EXPECT_EQ("\n"
-              " ---\n"
-              " x\n"
-              " ^\n"
-              " Error: E\n" +
-                  BANNER +
-                  "\n"
-                  " y\n"
-                  " \n"
-                  " ---\n"
-                  " [Line: 1  Col: 0]\n",
-              reader.getErrorContext(0, 0, "E", 1));
-}
-
-TEST(YamlStringReader, ErrorContextOnALastLineWithoutLineEndGoesBehindTheText)
-{
-    YamlStringReader reader("a: 1\nb");
-    EXPECT_EQ("\n"
-              "      ---\n"
-              "      a: 1\n"
-              "      b\n"
-              "      ^\n"
-              "      Error: M\n" +
-                  BANNER +
-                  "\n"
-                  "\n"
-                  "      ---\n"
-                  "      [Line: 2  Col: 0]\n",
-              reader.getErrorContext(1, 0, "M", 6));
-}
-
-TEST(YamlStringReader, ErrorContextBehindAFinalLineEndIsNotLost)
-{
-    YamlStringReader reader("k: [v\n");
-    EXPECT_EQ("\n"
-              "  ---\n"
-              "  k: [v\n"
-              "  \n"
-              "  ^\n"
-              "  Error: end\n" +
-                  BANNER +
-                  "\n"
-                  "\n"
-                  "  ---\n"
-                  "  [Line: 2  Col: 0]\n",
-              reader.getErrorContext(1, 0, "end", 2));
-}
-
-TEST(YamlFileReader, ReadsFromTheSeekPosition)
+TEST(YamlFileReader, ReadsFromTheSeekPositionAndGivesOnlyPositionAndMessageAsContext)
 {
     TempFile file("#### header\nkey: value\n");
     YamlFileReader reader(file.path(), 12);
     EXPECT_EQ("key: value\n", readAll(reader, 5));
-}
-
-TEST(YamlFileReader, ErrorContextIsThePositionAndTheMessage)
-{
-    TempFile file("a: b\n");
-    YamlFileReader reader(file.path(), 0);
     EXPECT_EQ("[Line: 3  Col: 4]\nError: bad thing", reader.getErrorContext(2, 4, "bad thing", 6));
 }
 
-TEST(YamlFileReader, MissingFileIsAnIOExceptionNamingTheFile)
+TEST(YamlFileReader, OpenAndSeekFailuresAreIOExceptionsNamingTheFile)
 {
-    try {
-        YamlFileReader reader("/nonexistent-dir/tests.yaml", 0);
-        FAIL() << "no exception";
-    } catch (const IOException& e) {
-        EXPECT_EQ("Can not open file with test specification!", e.getDesc());
-        EXPECT_EQ("  data:\n    file: /nonexistent-dir/tests.yaml\n", e.getData());
-    }
-}
-
-TEST(YamlFileReader, FailedSeekIsAnIOExceptionWithPositionAndErrno)
-{
+    EXPECT_EQ("Can not open file with test specification!\n  data:\n    file: /nonexistent-dir/tests.yaml\n",
+              failureOf<IOException>([] { YamlFileReader("/nonexistent-dir/tests.yaml", 0); }));
     TempFile file("a: b\n");
-    try {
-        YamlFileReader reader(file.path(), -3);
-        FAIL() << "no exception";
-    } catch (const IOException& e) {
-        EXPECT_EQ("Can not seek file with test specification!", e.getDesc());
-        EXPECT_EQ("  data:\n    file: " + file.path() + "\n    seekPos: -3\n    errno: 22\n", e.getData());
-    }
+    EXPECT_EQ("Can not seek file with test specification!\n  data:\n    file: " + file.path() +
+                  "\n    seekPos: -3\n    errno: 22\n",
+              failureOf<IOException>([&] { YamlFileReader(file.path(), -3); }));
 }

@@ -1,269 +1,169 @@
-// Runs every input of the public YAML test suite through CYAMLUtil::parseYAML with a
-// recording receiver. Each input must either parse or fail with a ParserException that names a
-// line and a column; nothing else may escape, nothing may crash.
-//
-// What the receiver sees is a projection of the event stream: no stream or document events,
-// each scalar with the role that the handler gave it (key, value or item), and aliases replaced
-// by the anchored scalar's text. A model below computes that projection, and the error the
-// handler must raise (a root scalar, an alias of a collection), from a list of events in the
-// suite's notation. Two comparisons use it:
-//  - for every input, the receiver against the model of libyaml's own events for that input
-//    (the parser sees exactly these), up to the first error;
-//  - for the valid inputs (no "error" file) that libyaml accepts with the events that the suite
-//    expects, the receiver against the model of the suite's test.event. Valid inputs where
-//    libyaml's events differ from the suite's are libyaml's deviations; they are listed and
-//    compared with libyaml's events only.
+// Runs every input of the public YAML test suite through CYAMLUtil::parseYAML with a recording
+// receiver: each must parse or fail with a ParserException naming a line and a column; nothing
+// else may escape, nothing may crash. The receiver must get the projection of libyaml's events
+// (no stream or document events, each scalar in its key, value or item role, aliases replaced by
+// the anchored scalar's text) up to the handler's refusal, if any. libyaml's events of the valid
+// inputs are compared with the suite's test.event, which checks the notation.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <dirent.h>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <map>
 #include <regex>
-#include <set>
-#include <sstream>
-#include <string>
-#include <sys/stat.h>
-#include <vector>
 
 #include "CYAMLUtil.h"
 #include "Exceptions.h"
-#include "RecordingReceiver.h"
+#include "YamlTestSupport.h"
 
 using namespace kestrix;
-using kestrix::testing::RecordingReceiver;
+using kestrix_test::RecordingReceiver;
+namespace fs = std::filesystem;
 
 namespace {
 
 typedef std::vector<std::string> Lines;
 
-enum class Outcome { Parsed, StandaloneScalar, UndefinedAnchor, SyntaxError };
+const char* const PARSED = "parsed";
+const char* const STANDALONE = "standalone scalar";
+const char* const UNDEFINED_ANCHOR = "undefined anchor";
+const char* const SYNTAX_ERROR = "syntax error";
 
-const char* name(Outcome outcome)
-{
-    switch (outcome) {
-    case Outcome::Parsed: return "parsed";
-    case Outcome::StandaloneScalar: return "standalone scalar";
-    case Outcome::UndefinedAnchor: return "undefined anchor";
-    case Outcome::SyntaxError: return "syntax error";
-    }
-    return "?";
-}
+bool startsWith(const std::string& text, const char* prefix) { return text.rfind(prefix, 0) == 0; }
 
-struct Expected {
-    Lines events;
-    Outcome outcome = Outcome::Parsed;
+/// libyaml's reading of a text: its node events in the suite's notation, and what a recording
+/// receiver sees of them (up to the handler's refusal, which `outcome` names).
+struct Reading {
+    Lines events, projected;
+    std::string outcome = PARSED;
+    bool failed = false; // libyaml did not read the whole stream
 };
 
-bool startsWith(const std::string& text, const char* prefix)
+Reading readWithLibyaml(const std::string& text)
 {
-    return text.rfind(prefix, 0) == 0;
-}
-
-/// Position of the value's style indicator behind the anchor and tag of an "=VAL" line.
-size_t valueStart(const std::string& line)
-{
-    size_t pos = 4;
-    while (pos + 1 < line.size() && line[pos] == ' ' && (line[pos + 1] == '&' || line[pos + 1] == '<')) {
-        pos = line.find(' ', pos + 1);
-    }
-    return pos + 1;
-}
-
-/// The anchor of a node line ("+MAP &a", "=VAL &a :x"), or "".
-std::string anchorOf(const std::string& line)
-{
-    size_t at = line.find(" &");
-    if (at == std::string::npos || (startsWith(line, "=VAL") && at >= valueStart(line) - 1)) {
-        return "";
-    }
-    size_t end = line.find(' ', at + 2);
-    return line.substr(at + 2, end == std::string::npos ? std::string::npos : end - at - 2);
-}
-
-/// What a recording receiver sees of an event stream in the suite's notation.
-Expected project(const Lines& suiteEvents, bool streamFailed)
-{
-    struct Frame {
-        bool isMap;
-        size_t nodes;
-    };
-    Expected expected;
-    std::vector<Frame> frames;
+    Reading r;
+    std::vector<std::pair<bool, size_t>> frames; // is a mapping, nodes seen
     std::map<std::string, std::string> scalarAnchors;
-    // The role of the next node, which takes the next key, value or item position.
-    auto role = [&frames]() -> std::string {
-        Frame& top = frames.back();
-        return !top.isMap ? "item " : (top.nodes++ % 2 == 0 ? "key " : "value ");
-    };
-    for (const std::string& line : suiteEvents) {
-        if (startsWith(line, "+MAP") || startsWith(line, "+SEQ")) {
-            std::string anchor = anchorOf(line);
-            if (!anchor.empty()) {
-                scalarAnchors.erase(anchor);
-            }
-            if (!frames.empty()) {
-                role();
-            }
-            frames.push_back({startsWith(line, "+MAP"), 0});
-            expected.events.push_back(line);
-        } else if (startsWith(line, "-MAP") || startsWith(line, "-SEQ")) {
+    // Projects a node line: scalars take the next key, value or item position.
+    auto project = [&](const std::string& line) {
+        if (line[0] == '-') {
             frames.pop_back();
-            expected.events.push_back(line);
-        } else if (startsWith(line, "=VAL") || startsWith(line, "=ALI")) {
-            std::string scalar = line;
-            if (startsWith(line, "=ALI")) {
-                auto found = scalarAnchors.find(line.substr(6));
-                if (found == scalarAnchors.end()) {
-                    expected.outcome = Outcome::UndefinedAnchor;
-                    return expected;
-                }
-                scalar = "=VAL :" + found->second;
+            r.projected.push_back(line);
+            return;
+        }
+        if (frames.empty() && line[0] == '=') {
+            r.outcome = STANDALONE;
+            return;
+        }
+        std::string role;
+        if (!frames.empty()) {
+            auto& top = frames.back();
+            role = !top.first ? "item " : (top.second++ % 2 == 0 ? "key " : "value ");
+        }
+        if (line[0] == '+') {
+            frames.emplace_back(line[1] == 'M', 0);
+            r.projected.push_back(line);
+        } else {
+            r.projected.push_back(role + line);
+        }
+    };
+    const kestrix_test::ParsedEvents parsed(text, true);
+    r.failed = parsed.failed();
+    for (const yaml_event_t& e : parsed.all()) {
+        const std::string line = kestrix_test::eventLine(e);
+        if (!line.empty()) {
+            r.events.push_back(line);
+        }
+        if (r.outcome != PARSED || line.empty()) {
+            continue;
+        }
+        if (e.type == YAML_ALIAS_EVENT) {
+            auto found = scalarAnchors.find(line.substr(6));
+            if (found == scalarAnchors.end()) {
+                r.outcome = UNDEFINED_ANCHOR;
             } else {
-                std::string anchor = anchorOf(line);
-                if (!anchor.empty()) {
-                    scalarAnchors[anchor] = line.substr(valueStart(line) + 1);
-                }
+                project("=VAL :" + found->second);
             }
-            if (frames.empty()) {
-                expected.outcome = Outcome::StandaloneScalar;
-                return expected;
+            continue;
+        }
+        const yaml_char_t* anchor = e.type == YAML_MAPPING_START_EVENT    ? e.data.mapping_start.anchor
+                                    : e.type == YAML_SEQUENCE_START_EVENT ? e.data.sequence_start.anchor
+                                    : e.type == YAML_SCALAR_EVENT         ? e.data.scalar.anchor
+                                                                          : nullptr;
+        if (anchor != nullptr) {
+            // An anchor on a collection hides an earlier scalar of the same name.
+            const std::string name = reinterpret_cast<const char*>(anchor);
+            scalarAnchors.erase(name);
+            if (e.type == YAML_SCALAR_EVENT) {
+                scalarAnchors[name] = kestrix_test::escapeValue(e.data.scalar.value, e.data.scalar.length);
             }
-            expected.events.push_back(role() + scalar);
         }
+        project(line);
     }
-    expected.outcome = streamFailed ? Outcome::SyntaxError : Outcome::Parsed;
-    return expected;
-}
-
-/// libyaml's events for `text` in the suite's notation, and whether it read the whole stream.
-Lines libyamlEvents(const std::string& text, bool& failed)
-{
-    Lines lines;
-    yaml_parser_t parser;
-    yaml_parser_initialize(&parser);
-    yaml_parser_set_input_string(&parser, reinterpret_cast<const unsigned char*>(text.data()), text.size());
-    failed = false;
-    for (bool done = false; !done;) {
-        yaml_event_t event;
-        if (yaml_parser_parse(&parser, &event) == 0) {
-            failed = true;
-            break;
-        }
-        switch (event.type) {
-        case YAML_MAPPING_START_EVENT: lines.push_back(kestrix::testing::mappingStartLine(event)); break;
-        case YAML_SEQUENCE_START_EVENT: lines.push_back(kestrix::testing::sequenceStartLine(event)); break;
-        case YAML_MAPPING_END_EVENT: lines.push_back("-MAP"); break;
-        case YAML_SEQUENCE_END_EVENT: lines.push_back("-SEQ"); break;
-        case YAML_SCALAR_EVENT: lines.push_back(kestrix::testing::scalarLine(event)); break;
-        case YAML_ALIAS_EVENT:
-            lines.push_back(std::string("=ALI *") + reinterpret_cast<const char*>(event.data.alias.anchor));
-            break;
-        case YAML_STREAM_END_EVENT: done = true; break;
-        default: break;
-        }
-        yaml_event_delete(&event);
+    if (r.failed && r.outcome == PARSED) {
+        r.outcome = SYNTAX_ERROR;
     }
-    yaml_parser_delete(&parser);
-    return lines;
+    return r;
 }
 
 /// The node events of a test.event file; stream and document lines are not node events.
-Lines suiteEvents(const std::string& path)
+Lines suiteEvents(const fs::path& path)
 {
     Lines lines;
     std::ifstream in(path);
     for (std::string line; std::getline(in, line);) {
-        if (startsWith(line, "+MAP") || startsWith(line, "+SEQ") || startsWith(line, "-MAP") ||
-            startsWith(line, "-SEQ") || startsWith(line, "=VAL") || startsWith(line, "=ALI")) {
-            lines.push_back(line);
+        for (const char* prefix : {"+MAP", "+SEQ", "-MAP", "-SEQ", "=VAL", "=ALI"}) {
+            if (startsWith(line, prefix)) {
+                lines.push_back(line);
+            }
         }
     }
     return lines;
 }
 
-bool exists(const std::string& path)
-{
-    struct stat info;
-    return stat(path.c_str(), &info) == 0;
-}
-
-std::string readFile(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-/// Case folders: each folder with an in.yaml, and the numbered sub-cases of the others.
-Lines caseFolders(const std::string& root)
-{
-    Lines found;
-    std::vector<std::string> pending{root};
-    while (!pending.empty()) {
-        std::string dir = pending.back();
-        pending.pop_back();
-        if (exists(dir + "/in.yaml")) {
-            found.push_back(dir);
-            continue;
-        }
-        if (DIR* handle = opendir(dir.c_str())) {
-            while (dirent* entry = readdir(handle)) {
-                std::string child = entry->d_name;
-                struct stat info;
-                if (child[0] != '.' && stat((dir + "/" + child).c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
-                    pending.push_back(dir + "/" + child);
-                }
-            }
-            closedir(handle);
-        }
-    }
-    std::sort(found.begin(), found.end());
-    return found;
-}
-
-/// The handler's refusal that an error text names, or a syntax error.
-Outcome outcomeOf(const ParserException& e)
+/// The handler's refusal that an error names, or a syntax error.
+std::string outcomeOf(const ParserException& e)
 {
     if (e.getDesc() == "YAML syntax error") {
-        return Outcome::SyntaxError;
+        return SYNTAX_ERROR;
     }
     if (e.getData().find("Error: Standalone scalar not allowed.") != std::string::npos) {
-        return Outcome::StandaloneScalar;
+        return STANDALONE;
     }
-    if (e.getData().find("Error: Undefined anchor: ") != std::string::npos) {
-        return Outcome::UndefinedAnchor;
-    }
-    return Outcome::Parsed;
+    return e.getData().find("Error: Undefined anchor: ") != std::string::npos ? UNDEFINED_ANCHOR : PARSED;
 }
 
 } // namespace
 
 TEST(YamlTestSuite, EveryInputParsesAsExpectedOrFailsWithItsPosition)
 {
-    const std::string root = std::string(KESTRIX_SHARED_DIR) + "/yaml-test-suite";
-    const Lines cases = caseFolders(root);
+    const fs::path root = fs::path(KESTRIX_SHARED_DIR) / "yaml-test-suite";
+    std::vector<fs::path> cases; // each folder with an in.yaml (numbered sub-cases included)
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        if (entry.path().filename() == "in.yaml") {
+            cases.push_back(entry.path().parent_path());
+        }
+    }
+    std::sort(cases.begin(), cases.end());
     ASSERT_GT(cases.size(), 300u) << "test suite not found under " << root;
 
     const std::regex position(R"(\[Line: [0-9]+  Col: [0-9]+\]\n)");
     size_t comparedWithSuite = 0, failedWithPosition = 0, libyamlAcceptsInvalid = 0;
-    Lines libyamlDeviations;
-    for (const std::string& dir : cases) {
-        const std::string id = dir.substr(root.size() + 1);
+    std::string libyamlDeviations;
+    for (const fs::path& dir : cases) {
+        const std::string id = dir.lexically_relative(root).string();
         SCOPED_TRACE(id);
-        const std::string text = readFile(dir + "/in.yaml");
-        const bool invalid = exists(dir + "/error");
+        std::ifstream in(dir / "in.yaml", std::ios::binary);
+        const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        const bool invalid = fs::exists(dir / "error");
 
-        bool libyamlFailed = false;
-        const Lines libyaml = libyamlEvents(text, libyamlFailed);
-        const Expected fromLibyaml = project(libyaml, libyamlFailed);
-        libyamlAcceptsInvalid += invalid && !libyamlFailed;
+        const Reading libyaml = readWithLibyaml(text);
+        libyamlAcceptsInvalid += invalid && !libyaml.failed;
 
         RecordingReceiver receiver;
-        Outcome outcome = Outcome::Parsed;
+        std::string outcome = PARSED;
         try {
             CYAMLUtil::parseYAML(receiver, text);
         } catch (const ParserException& e) {
@@ -274,27 +174,19 @@ TEST(YamlTestSuite, EveryInputParsesAsExpectedOrFailsWithItsPosition)
             ADD_FAILURE() << "exception of another type: " << e.what();
             continue;
         }
-        EXPECT_EQ(name(fromLibyaml.outcome), name(outcome));
-        EXPECT_EQ(fromLibyaml.events, receiver.events) << "against libyaml's events";
-
-        if (!invalid && !libyamlFailed) {
-            if (suiteEvents(dir + "/test.event") != libyaml) {
-                libyamlDeviations.push_back(id);
-                continue;
+        EXPECT_EQ(libyaml.outcome, outcome);
+        EXPECT_EQ(libyaml.projected, receiver.events);
+        if (!invalid && !libyaml.failed) {
+            if (suiteEvents(dir / "test.event") == libyaml.events) {
+                ++comparedWithSuite;
+            } else {
+                libyamlDeviations += " " + id;
             }
-            const Expected fromSuite = project(suiteEvents(dir + "/test.event"), false);
-            EXPECT_EQ(name(fromSuite.outcome), name(outcome)) << "against the suite";
-            EXPECT_EQ(fromSuite.events, receiver.events) << "against the suite";
-            ++comparedWithSuite;
         }
     }
     std::cout << cases.size() << " inputs: " << comparedWithSuite << " valid ones compared with the suite's events, "
               << failedWithPosition << " refused with a position, " << libyamlAcceptsInvalid
-              << " invalid ones that libyaml accepts; libyaml's events differ from the suite's in "
-              << libyamlDeviations.size() << ":";
-    for (const std::string& id : libyamlDeviations) {
-        std::cout << " " << id;
-    }
-    std::cout << std::endl;
+              << " invalid ones that libyaml accepts; libyaml's events differ from the suite's in:" << libyamlDeviations
+              << std::endl;
     EXPECT_GT(comparedWithSuite, 200u);
 }
