@@ -23,25 +23,19 @@ public:
     const CLogger::Arg& take(char letter, CLogger::Arg::Kind kind, CLogger::Arg::Kind other)
     {
         if (m_next >= m_args.size() || (m_args[m_next].kind() != kind && m_args[m_next].kind() != other)) {
-            throw IllegalArgumentException(KX_POS, "Log format letter without a fitting argument: ",
-                                           std::string(1, letter))
-                .add("format", m_format)
-                .add("argument", static_cast<int>(m_next));
+            refuse(letter);
         }
         return m_args[m_next++];
     }
 
     const CLogger::Arg& take(char letter, CLogger::Arg::Kind kind) { return take(letter, kind, kind); }
 
-    void takeAny(char letter)
+    const CLogger::Arg& takeAny(char letter)
     {
         if (m_next >= m_args.size()) {
-            throw IllegalArgumentException(KX_POS, "Log format letter without a fitting argument: ",
-                                           std::string(1, letter))
-                .add("format", m_format)
-                .add("argument", static_cast<int>(m_next));
+            refuse(letter);
         }
-        ++m_next;
+        return m_args[m_next++];
     }
 
     void checkAllTaken() const
@@ -53,6 +47,13 @@ public:
     }
 
 private:
+    [[noreturn]] void refuse(char letter) const
+    {
+        throw IllegalArgumentException(KX_POS, "Log format letter without a fitting argument: ", std::string(1, letter))
+            .add("format", m_format)
+            .add("argument", static_cast<int>(m_next));
+    }
+
     std::string m_format;
     const std::vector<CLogger::Arg>& m_args;
     size_t m_next = 0;

@@ -40,6 +40,15 @@ DWORD parseUnsigned32(const std::string& text)
     return negative ? static_cast<DWORD>(0u - value) : value;
 }
 
+// A number given with its type must be of an integer type.
+const SType& integralType(const SType& type)
+{
+    if (type.m_byType != SType::tUnsigned && type.m_byType != SType::tSigned) {
+        throw IOException(KX_POS, "Invalid type for integral value: ", type.m_byType);
+    }
+    return type;
+}
+
 SType typeOf(BYTE code, BYTE bitSize)
 {
     SType type;
@@ -60,22 +69,15 @@ CValueType::CValueType(const SType& type, const SValue& value, const std::string
 {
 }
 
-CValueType::CValueType(const SType& type, long long value) : m_type(type)
+CValueType::CValueType(const SType& type, long long value) : m_type(integralType(type)), m_result(CUtil::i2a(value))
 {
-    if (type.m_byType != SType::tUnsigned && type.m_byType != SType::tSigned) {
-        throw IOException(KX_POS, "Invalid type for integral value: ", type.m_byType);
-    }
     storeIntegral(static_cast<unsigned long long>(value));
-    m_result = CUtil::i2a(value);
 }
 
-CValueType::CValueType(const SType& type, unsigned long long value) : m_type(type)
+CValueType::CValueType(const SType& type, unsigned long long value)
+    : m_type(integralType(type)), m_result(CUtil::i2a(value))
 {
-    if (type.m_byType != SType::tUnsigned && type.m_byType != SType::tSigned) {
-        throw IOException(KX_POS, "Invalid type for integral value: ", type.m_byType);
-    }
     storeIntegral(value);
-    m_result = CUtil::i2a(value);
 }
 
 CValueType::CValueType(const SType& type, float value) : m_type(type)

@@ -117,6 +117,7 @@ TEST_F(CLoggerTest, JavaSessionWithHeader)
         m_ticks += 1;
         logger.log("b");
         logger.logc("Dtor: ~CBreakpointController");
+        logger.setIndent(2);
         EXPECT_TRUE(logger.writeHeader("// tail"));
     }
     EXPECT_EQ("// generated\n"

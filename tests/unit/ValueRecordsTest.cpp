@@ -35,10 +35,7 @@ TEST(ValueRecords, SType2FieldsBehindTheBase)
 TEST(MemoryAreaTable, BytesPerMAU)
 {
     EXPECT_EQ(4, bytesPerMAUOf(0, CCPUInfo{24, 0}));  // 22 bits
-    EXPECT_EQ(4, bytesPerMAUOf(3, CCPUInfo{18, 0}));  // 32 bits
     EXPECT_EQ(2, bytesPerMAUOf(0, CCPUInfo{4, 1}));   // 14 bits
-    EXPECT_EQ(2, bytesPerMAUOf(0, CCPUInfo{4, 2}));   // 16 bits
-    EXPECT_EQ(1, bytesPerMAUOf(1, CCPUInfo{15, 0}));  // 4 bits
     EXPECT_EQ(1, bytesPerMAUOf(3, CCPUInfo{1, 0}));   // 1 bit
     EXPECT_EQ(1, bytesPerMAUOf(11, CCPUInfo{1, 0}));  // the last area
     EXPECT_EQ(0, bytesPerMAUOf(12, CCPUInfo{1, 0}));  // beyond the list
@@ -59,10 +56,5 @@ TEST(MemoryAreaTable, ListsByCpuAndVariant)
         EXPECT_EQ(std::string(""), unknown.rows[0].name);
         EXPECT_EQ(8, unknown.rows[0].bitsPerMAU);
         EXPECT_EQ(0xFFFFFFFFu, unknown.rows[0].lastAddress);
-    }
-    for (WORD code = 1; code < 39; ++code) {
-        const MemoryAreaList areas = getMemoryAreas(CCPUInfo{code, 0});
-        EXPECT_GT(areas.count, 0u) << "CPU " << code;
-        EXPECT_EQ(0u, areas.rows[0].firstAddress);
     }
 }
