@@ -1,5 +1,6 @@
 #include "CProfilerArea.h"
 
+#include "CSectionSetters.h"
 #include "CUtil.h"
 #include "CYAMLUtil.h"
 #include "IEmitter.h"
@@ -63,11 +64,6 @@ CProfilerArea& CProfilerArea::operator=(const CProfilerArea& other)
 
 CProfilerArea::~CProfilerArea() = default;
 
-std::string CProfilerArea::sectionError(const std::string& key) const
-{
-    return "Invalid section type for mapping. Key: '" + key + "':   Section: " + CUtil::i2a(m_section);
-}
-
 CYAMLSequence* CProfilerArea::limitsOf(const std::string& key)
 {
     if (key == KEY_MIN_TIME) {
@@ -99,7 +95,7 @@ ITestParserEventReceiver* CProfilerArea::mappingKey(const yaml_event_t& event)
 {
     const std::string key = scalarText(event);
     if (m_section != IN_MAPPING) {
-        throw ParserException(KX_POS, sectionError(key));
+        throw ParserException(KX_POS, CSectionSetters::sectionTypeMessage(key, m_section));
     }
     if (key == KEY_NAME || key == KEY_VALUE) {
         m_key = key;
@@ -117,7 +113,7 @@ ITestParserEventReceiver* CProfilerArea::mappingKey(const yaml_event_t& event)
 ITestParserEventReceiver* CProfilerArea::mappingValue(const yaml_event_t& event)
 {
     if (m_section != IN_MAPPING) {
-        throw ParserException(KX_POS, sectionError(m_key));
+        throw ParserException(KX_POS, CSectionSetters::sectionTypeMessage(m_key, m_section));
     }
     if (m_key == KEY_NAME) {
         m_name = CYAMLScalar(event);

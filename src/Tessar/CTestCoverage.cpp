@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "CSectionSetters.h"
 #include "CYAMLUtil.h"
 #include "IEmitter.h"
 #include "IllegalArgumentException.h"
@@ -94,11 +95,6 @@ bool CTestCoverage::isScalarKey(const std::string& key)
     return false;
 }
 
-std::string CTestCoverage::sectionError(const std::string& keyText) const
-{
-    return "Invalid section type for mapping. Key: '" + keyText + "':   Section: " + std::to_string(m_section);
-}
-
 ITestParserEventReceiver* CTestCoverage::mappingStart(const yaml_event_t& event)
 {
     if (m_section == BEFORE_BLOCK) {
@@ -120,7 +116,7 @@ ITestParserEventReceiver* CTestCoverage::mappingKey(const yaml_event_t& event)
 {
     const std::string text = CYAMLScalar(event).getValue();
     if (m_section != IN_BLOCK) {
-        throw ParserException(KX_POS, sectionError(text));
+        throw ParserException(KX_POS, CSectionSetters::sectionTypeMessage(text, m_section));
     }
     m_key = text;
     if (isScalarKey(m_key)) {
@@ -136,7 +132,7 @@ ITestParserEventReceiver* CTestCoverage::mappingKey(const yaml_event_t& event)
 ITestParserEventReceiver* CTestCoverage::mappingValue(const yaml_event_t& event)
 {
     if (m_section != IN_BLOCK) {
-        throw ParserException(KX_POS, sectionError(m_key));
+        throw ParserException(KX_POS, CSectionSetters::sectionTypeMessage(m_key, m_section));
     }
     if (m_key == KEY_RUN_MODE) {
         m_runMode = CYAMLEnum<ERunMode>(event);
@@ -233,12 +229,7 @@ void CTestCoverage::serialize(std::shared_ptr<IEmitter> emitter)
 
 void CTestCoverage::setRunMode(const std::string& text)
 {
-    if (text.empty()) {
-        m_runMode.setDefault(rmOff);
-        return;
-    }
-    // The word is taken as it is, not as YAML text; its style stays.
-    m_runMode.setEnum(CYAMLEnum<ERunMode>::lookUp(text));
+    CSectionSetters::setRunModeText(m_runMode, text);
 }
 
 void CTestCoverage::setRunMode(ERunMode value)
@@ -358,9 +349,9 @@ void CTestCoverage::swapStatistics(int first, int second)
 
 void CTestCoverage::verifyOpenMode(const std::string& text)
 {
-    if (!text.empty() && text != "u" && text != "r" && text != "w" && text != "a") {
-        throw ParserException(KX_POS, "Invalid open mode for coverage document. Should be 'u', 'w', or 'a'.")
-            .add("openMode", text);
+    // An empty mode passes here, unlike in the trace section.
+    if (!text.empty()) {
+        CSectionSetters::verifyOpenMode(text, "coverage");
     }
 }
 

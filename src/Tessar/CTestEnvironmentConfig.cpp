@@ -56,11 +56,6 @@ CTestEnvironmentConfig::CTestEnvironmentConfig() : m_parent(nullptr) {}
 
 CTestEnvironmentConfig::~CTestEnvironmentConfig() = default;
 
-std::string CTestEnvironmentConfig::stateError(const std::string& key) const
-{
-    return "Invalid section type for mapping. Key: '" + key + "':   Section: " + CUtil::i2a(m_state);
-}
-
 CYAMLScalar* CTestEnvironmentConfig::scalarOf(const std::string& key)
 {
     const std::pair<const char*, CYAMLScalar*> fields[] = {
@@ -105,7 +100,7 @@ ITestParserEventReceiver* CTestEnvironmentConfig::mappingKey(const yaml_event_t&
 {
     const std::string key = scalarText(event);
     if (m_state != IN_MAPPING) {
-        throw ParserException(KX_POS, stateError(key));
+        throw ParserException(KX_POS, CSectionSetters::sectionTypeMessage(key, m_state));
     }
     m_key = key;
     if (key == KEY_SCRIPT_MODULES) {
@@ -122,7 +117,7 @@ ITestParserEventReceiver* CTestEnvironmentConfig::mappingKey(const yaml_event_t&
 ITestParserEventReceiver* CTestEnvironmentConfig::mappingValue(const yaml_event_t& event)
 {
     if (m_state != IN_MAPPING) {
-        throw ParserException(KX_POS, stateError(m_key));
+        throw ParserException(KX_POS, CSectionSetters::sectionTypeMessage(m_key, m_state));
     }
     if (CYAMLScalar* field = scalarOf(m_key)) {
         if (!field->isEmpty()) {

@@ -1,6 +1,7 @@
 #include "CTestFunction.h"
 
 #include "CSectionSetters.h"
+#include "CYAMLUtil.h"
 #include "IEmitter.h"
 #include "ParserException.h"
 
@@ -171,12 +172,12 @@ void CTestFunction::getPositionParams(StrVector& params) const
 
 void CTestFunction::setName(const std::string& name)
 {
-    CSectionSetters::setScalar(m_name, name);
+    CYAMLUtil::parseScalar(m_name, name);
 }
 
 void CTestFunction::setRetValueName(const std::string& retValueName)
 {
-    CSectionSetters::setScalar(m_retValName, retValueName);
+    CYAMLUtil::parseScalar(m_retValName, retValueName);
 }
 
 void CTestFunction::setPositionParameters(const std::string& params)

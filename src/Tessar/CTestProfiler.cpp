@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "CSectionSetters.h"
 #include "CUtil.h"
 #include "CYAMLUtil.h"
 #include "IEmitter.h"
@@ -79,11 +80,6 @@ ProfilerAreasVector CTestProfiler::copyAreas(const ProfilerAreasVector& areas)
     return copies;
 }
 
-std::string CTestProfiler::sectionError(const std::string& key) const
-{
-    return "Invalid section type for mapping. Key: '" + key + "':   Section: " + CUtil::i2a(m_section);
-}
-
 ITestParserEventReceiver* CTestProfiler::startArea(ProfilerAreasVector& areas, const yaml_event_t& event)
 {
     auto area = std::make_shared<CProfilerArea>(this);
@@ -114,7 +110,7 @@ ITestParserEventReceiver* CTestProfiler::mappingKey(const yaml_event_t& event)
 {
     const std::string key = scalarText(event);
     if (m_section != IN_MAPPING) {
-        throw IllegalArgumentException(KX_POS, sectionError(key));
+        throw IllegalArgumentException(KX_POS, CSectionSetters::sectionTypeMessage(key, m_section));
     }
     m_key = key;
     if (key == KEY_CODE_AREAS) {
@@ -129,7 +125,7 @@ ITestParserEventReceiver* CTestProfiler::mappingKey(const yaml_event_t& event)
 ITestParserEventReceiver* CTestProfiler::mappingValue(const yaml_event_t& event)
 {
     if (m_section != IN_MAPPING) {
-        throw IllegalArgumentException(KX_POS, sectionError(m_key));
+        throw IllegalArgumentException(KX_POS, CSectionSetters::sectionTypeMessage(m_key, m_section));
     }
     if (m_key == KEY_RUN_MODE) {
         m_runMode = CYAMLEnum<ERunMode>(event);
@@ -215,13 +211,7 @@ CTestProfiler::ERunMode CTestProfiler::getRunMode() const
 
 void CTestProfiler::setRunMode(const std::string& runMode)
 {
-    if (runMode.empty()) {
-        m_runMode.setDefault(rmOff);
-        return;
-    }
-    CYAMLScalar scalar;
-    CYAMLUtil::parseScalar(scalar, runMode);
-    m_runMode = CYAMLEnum<ERunMode>(scalar);
+    CSectionSetters::setRunModeText(m_runMode, runMode);
 }
 
 void CTestProfiler::setRunMode(ERunMode runMode)

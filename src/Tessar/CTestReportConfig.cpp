@@ -51,11 +51,6 @@ void CTestReportConfig::assign(const CTestReportConfig& other)
     m_userInfo = other.m_userInfo;
 }
 
-std::string CTestReportConfig::stateError(const std::string& key) const
-{
-    return "Invalid section type for mapping. Key: '" + key + "':   Section: " + CUtil::i2a(m_state);
-}
-
 template <typename T>
 void CTestReportConfig::assignOnce(T& field, const yaml_event_t& event) const
 {
@@ -79,7 +74,7 @@ ITestParserEventReceiver* CTestReportConfig::mappingKey(const yaml_event_t& even
 {
     const std::string key = scalarText(event);
     if (m_state != IN_MAPPING) {
-        throw ParserException(KX_POS, stateError(key));
+        throw ParserException(KX_POS, CSectionSetters::sectionTypeMessage(key, m_state));
     }
     m_key = key;
     if (key == KEY_TEST_INFO) {
@@ -96,7 +91,7 @@ ITestParserEventReceiver* CTestReportConfig::mappingKey(const yaml_event_t& even
 ITestParserEventReceiver* CTestReportConfig::mappingValue(const yaml_event_t& event)
 {
     if (m_state != IN_MAPPING) {
-        throw ParserException(KX_POS, stateError(m_key));
+        throw ParserException(KX_POS, CSectionSetters::sectionTypeMessage(m_key, m_state));
     }
     if (m_key == KEY_REPORT_CONTENTS) {
         assignOnce(m_reportContents, event);

@@ -1,6 +1,7 @@
 #include "CTestStub.h"
 
 #include "CSectionSetters.h"
+#include "CYAMLUtil.h"
 #include "IEmitter.h"
 #include "ParserException.h"
 
@@ -182,12 +183,12 @@ void CTestStub::getAssignmentValues(StrVector& values) const
 
 void CTestStub::setFunctionName(const std::string& name)
 {
-    CSectionSetters::setScalar(m_functionName, name);
+    CYAMLUtil::parseScalar(m_functionName, name);
 }
 
 void CTestStub::setRetValName(const std::string& retValName)
 {
-    CSectionSetters::setScalar(m_retValName, retValName);
+    CYAMLUtil::parseScalar(m_retValName, retValName);
 }
 
 void CTestStub::setParamNames(const std::string& names)

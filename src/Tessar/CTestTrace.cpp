@@ -1,5 +1,6 @@
 #include "CTestTrace.h"
 
+#include "CSectionSetters.h"
 #include "CYAMLUtil.h"
 #include "IEmitter.h"
 #include "IllegalArgumentException.h"
@@ -58,16 +59,11 @@ ITestParserEventReceiver* CTestTrace::mappingStart(const yaml_event_t& event)
     return this;
 }
 
-std::string CTestTrace::stateError(const std::string& keyText) const
-{
-    return "Invalid section type for mapping. Key: '" + keyText + "':   Section: " + std::to_string(m_state);
-}
-
 ITestParserEventReceiver* CTestTrace::mappingKey(const yaml_event_t& event)
 {
     const std::string text = eventText(event);
     if (m_state != IN_BLOCK) {
-        throw ParserException(KX_POS, stateError(text));
+        throw ParserException(KX_POS, CSectionSetters::sectionTypeMessage(text, m_state));
     }
     m_key = text;
     return this;
@@ -76,7 +72,7 @@ ITestParserEventReceiver* CTestTrace::mappingKey(const yaml_event_t& event)
 ITestParserEventReceiver* CTestTrace::mappingValue(const yaml_event_t& event)
 {
     if (m_state != IN_BLOCK) {
-        throw ParserException(KX_POS, stateError(m_key));
+        throw ParserException(KX_POS, CSectionSetters::sectionTypeMessage(m_key, m_state));
     }
     if (m_key == KEY_RUN_MODE) {
         m_runMode = CYAMLEnum<ERunMode>(event);
@@ -84,7 +80,7 @@ ITestParserEventReceiver* CTestTrace::mappingValue(const yaml_event_t& event)
         m_documentFileName = CYAMLScalar(event);
     } else if (m_key == KEY_OPEN_MODE) {
         CYAMLScalar openMode(event);
-        verifyOpenMode(openMode.getValue());
+        CSectionSetters::verifyOpenMode(openMode.getValue(), "trace");
         m_openMode = openMode;
     } else if (m_key == KEY_SAVE_AFTER_TEST) {
         m_saveAfterTest = CYAMLBool(event);
@@ -138,12 +134,7 @@ void CTestTrace::serialize(std::shared_ptr<IEmitter> emitter)
 
 void CTestTrace::setRunMode(const std::string& text)
 {
-    if (text.empty()) {
-        m_runMode.setDefault(rmOff);
-        return;
-    }
-    // The word is taken as it is, not as YAML text; its style stays.
-    m_runMode.setEnum(CYAMLEnum<ERunMode>::lookUp(text));
+    CSectionSetters::setRunModeText(m_runMode, text);
 }
 
 void CTestTrace::setRunMode(ERunMode value)
@@ -178,7 +169,7 @@ void CTestTrace::setExportFormat(const std::string& text)
 void CTestTrace::setOpenMode(const std::string& text)
 {
     if (!text.empty()) {
-        verifyOpenMode(text);
+        CSectionSetters::verifyOpenMode(text, "trace");
     }
     CYAMLUtil::parseScalar(m_openMode, text);
 }
@@ -208,14 +199,6 @@ bool CTestTrace::isEmpty() const
     return m_runMode.isEmpty() && m_documentFileName.isEmpty() && m_openMode.isEmpty() &&
            m_saveAfterTest.isEmpty() && m_closeAfterTest.isEmpty() && m_triggerName.isEmpty() &&
            m_exportFormat.isEmpty() && m_exportFileName.isEmpty();
-}
-
-void CTestTrace::verifyOpenMode(const std::string& text)
-{
-    if (text != "u" && text != "r" && text != "w" && text != "a") {
-        throw ParserException(KX_POS, "Invalid open mode for trace document. Should be 'u', 'w', or 'a'.")
-            .add("openMode", text);
-    }
 }
 
 } // namespace kestrix

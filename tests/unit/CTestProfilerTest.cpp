@@ -158,6 +158,9 @@ TEST(CTestProfiler, SettersWriteTheirValuesAndRefusedTextsChangeNothing)
     profiler.setRunMode("start");
     EXPECT_FALSE(profiler.isDefaultRunMode());
     EXPECT_THROW(profiler.setRunMode("go"), IllegalArgumentException);
+    // The word is taken as it is: YAML quotes are not stripped from it.
+    EXPECT_EQ("Invalid string value for enum : ''off''\n",
+              failureOf<IllegalArgumentException>([&] { profiler.setRunMode("'off'"); }));
     EXPECT_EQ(CTestProfiler::rmStart, profiler.getRunMode());
     profiler.setRunMode(CTestProfiler::rmOff);
     EXPECT_EQ("Invalid profiler 'ERunMode' enum value!2\n",

@@ -70,7 +70,6 @@ private:
     static void fromLimits(CYAMLSequence& sequence, const MinMaxLimits& limits);
     /// The list of a limits key, or null for any other key.
     CYAMLSequence* limitsOf(const std::string& key);
-    std::string sectionError(const std::string& key) const;
 
     CYAMLMap m_block;
     CYAMLScalar m_name;

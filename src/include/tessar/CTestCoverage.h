@@ -111,7 +111,6 @@ private:
     static void verifyOpenMode(const std::string& text);
     /// Whether `key` names one of the scalar fields.
     static bool isScalarKey(const std::string& key);
-    std::string sectionError(const std::string& keyText) const;
     void checkIndex(int index) const;
     void copyStatistics(const CTestCoverage& other);
 

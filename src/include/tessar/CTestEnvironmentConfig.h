@@ -104,7 +104,6 @@ private:
     CYAMLScalar* scalarOf(const std::string& key);
     /// The bool field of a key, or null.
     CYAMLBool* boolOf(const std::string& key);
-    std::string stateError(const std::string& key) const;
     /// What `serialize` writes.
     void writeTo(IEmitter& emitter) const;
 

@@ -104,7 +104,6 @@ private:
     static void writeAreas(const std::shared_ptr<IEmitter>& emitter, const char* key, const CYAMLSequence& block,
                            const ProfilerAreasVector& areas);
     ITestParserEventReceiver* startArea(ProfilerAreasVector& areas, const yaml_event_t& event);
-    std::string sectionError(const std::string& key) const;
 
     CYAMLMap m_block;
     CYAMLEnum<ERunMode> m_runMode;

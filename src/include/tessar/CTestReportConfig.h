@@ -88,7 +88,6 @@ private:
     /// Fills a field from the value's event; a field set before is refused.
     template <typename T>
     void assignOnce(T& field, const yaml_event_t& event) const;
-    std::string stateError(const std::string& key) const;
     /// What `serialize` writes.
     void writeTo(IEmitter& emitter) const;
 

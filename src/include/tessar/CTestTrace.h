@@ -86,10 +86,6 @@ public:
 private:
     enum EState { BEFORE_BLOCK = 0, IN_BLOCK = 1 };
 
-    /// Refuses any open mode but "u", "r", "w" and "a".
-    static void verifyOpenMode(const std::string& text);
-    std::string stateError(const std::string& keyText) const;
-
     CYAMLMap m_main;
     CYAMLEnum<ERunMode> m_runMode;
     CYAMLScalar m_documentFileName;
