@@ -102,6 +102,9 @@ public static class TestSpecTests {
       Check.True(root.getDerivedTestSpec(1).compare(a), "the same object comes back");
       Check.Equal(0, root.deleteDerivedTestSpec(b));
       Check.Equal(-1, root.deleteDerivedTestSpec(b));
+      Check.Throws<ApplicationException>(() => root.addDerivedTestSpec(0, null), "a null item");
+      Check.Throws<ApplicationException>(() => a.addDerivedTestSpec(0, root), "an ancestor");
+      Check.Equal(1, root.getNoOfDerivedSpecs());
       var e = Check.Throws<IOException>(() => root.getDerivedTestSpec(3));
       if (e != null) {
         Check.True(e.Message.StartsWith("No derived test specificatin at the given index exists!"), e.Message);
