@@ -118,10 +118,6 @@ public static class TestSpecTests {
       if (e != null) {
         Check.True(e.Message.StartsWith("Parameters must not be assigned in both the 'func' section"), e.Message);
       }
-      Check.Throws<IOException>(() => spec.setTags("[a, [b]]"));
-      var tags = new StrVector();
-      spec.getTags(tags);
-      Check.Equal("a", Joined(tags));
       spec.setTags("[x, 'y z']");
       spec.setInitValues("{g: 1}");
       Check.Equal("tags: [x, 'y z']\ninit:\n  g: 1\nfunc: [f, [1]]\n", spec.toString());
