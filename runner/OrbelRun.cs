@@ -18,7 +18,10 @@ public static class OrbelRun {
     var files = new List<string>();
     string saveTo = null;
     for (int i = 0; i < args.Length; i++) {
-      if (args[i] == "--save" && i + 1 < args.Length) {
+      if (args[i] == "--save") {
+        if (i + 1 == args.Length) {
+          return Usage("--save needs a file name");
+        }
         saveTo = args[++i];
       } else if (args[i].StartsWith("-")) {
         return Usage("unknown option " + args[i]);
@@ -42,8 +45,14 @@ public static class OrbelRun {
       }
       Show(file, bench);
       if (saveTo != null) {
+        // The library skips a file that it cannot open; tell it here.
+        if (File.Exists(saveTo)) {
+          File.Delete(saveTo);
+        }
         bench.save(saveTo);
-        Console.WriteLine("saved to " + saveTo);
+        bool isSaved = File.Exists(saveTo);
+        (isSaved ? Console.Out : Console.Error).WriteLine((isSaved ? "saved to " : "cannot write ") + saveTo);
+        failed += isSaved ? 0 : 1;
       }
     }
     return failed == 0 ? 0 : 1;
@@ -128,14 +137,14 @@ public static class OrbelRun {
     CTestSpecification flat = spec.merge();
     string id = flat.getTestId().Length > 0 ? flat.getTestId() : "(no id)";
     Console.WriteLine("[" + path + "] " + id + (spec.getRunFlag() ? "" : "   (disabled)"));
-    Line("function", Call(flat.getFunctionUnderTest(), Params(flat)));
+    Line("function", Call(flat.getFunctionUnderTest(), Filled<StrVector>(flat.getPositionParams)));
     Line("init func", Call(flat.getInitFunction(), null));
     Line("end func", Call(flat.getEndFunction(), null));
-    Line("locals", Pairs(MapOf(flat, (s, v) => s.getLocalVariables(v))));
-    Line("init", Join(flat.getInitKeys(), Values((s, v) => s.getInitValues(v), flat), " = "));
-    Line("options", Join(flat.getOptionKeys(), Values((s, v) => s.getOptionValues(v), flat), " = "));
+    Line("locals", Pairs(Filled<StrStrMap>(flat.getLocalVariables)));
+    Line("init", Join(flat.getInitKeys(), Filled<StrVector>(flat.getInitValues), " = "));
+    Line("options", Join(flat.getOptionKeys(), Filled<StrVector>(flat.getOptionValues), " = "));
     Line("stubs", string.Join("; ", flat.getStubs().Select(Stub)));
-    Line("expect", string.Join("; ", Values((s, v) => s.getExpectedResults(v, false), flat)));
+    Line("expect", string.Join("; ", Filled<StrVector>(v => flat.getExpectedResults(v, false))));
     Line("analyzers", Analyzers(flat));
   }
 
@@ -145,34 +154,25 @@ public static class OrbelRun {
     }
   }
 
-  static StrVector Params(CTestSpecification flat) {
-    var parameters = new StrVector();
-    flat.getPositionParams(parameters);
-    return parameters;
-  }
-
   // "rv = f(a, b)"; the function's own parameters when `parameters` is null.
   static string Call(CTestFunction function, StrVector parameters) {
     if (function.isEmpty()) {
       return "";
     }
     if (parameters == null) {
-      parameters = new StrVector();
-      function.getPositionParams(parameters);
+      parameters = Filled<StrVector>(function.getPositionParams);
     }
     string ret = function.getRetValueName();
     return (ret.Length > 0 ? ret + " = " : "") + function.getName() + "(" + string.Join(", ", parameters) + ")";
   }
 
   static string Stub(CTestStub stub) {
-    var assigned = new StrVector();
-    stub.getAssignmentValues(assigned);
     string text = stub.getFunctionName();
     string ret = stub.getRetValName();
     if (ret.Length > 0) {
       text += " -> " + ret;
     }
-    string assignments = Join(stub.getAssignmentKeys(), assigned, " = ");
+    string assignments = Join(stub.getAssignmentKeys(), Filled<StrVector>(stub.getAssignmentValues), " = ");
     return assignments.Length > 0 ? text + " {" + assignments + "}" : text;
   }
 
@@ -188,27 +188,17 @@ public static class OrbelRun {
       used.Add("profiler " + flat.getProfiler().getOutputFileName());
     }
     if (!flat.getHIL().isEmpty()) {
-      used.Add("hil " + Join(flat.getHIL().getHILParamKeys(), HilValues(flat.getHIL()), " = "));
+      CTestHIL hil = flat.getHIL();
+      used.Add("hil " + Join(hil.getHILParamKeys(), Filled<StrVector>(hil.getHILParamValues), " = "));
     }
     return string.Join(", ", used);
   }
 
-  static StrVector HilValues(CTestHIL hil) {
-    var values = new StrVector();
-    hil.getHILParamValues(values);
-    return values;
-  }
-
-  static StrVector Values(Action<CTestSpecification, StrVector> get, CTestSpecification spec) {
-    var values = new StrVector();
-    get(spec, values);
-    return values;
-  }
-
-  static StrStrMap MapOf(CTestSpecification spec, Action<CTestSpecification, StrStrMap> get) {
-    var map = new StrStrMap();
-    get(spec, map);
-    return map;
+  // A container filled by one of the library's getters.
+  static T Filled<T>(Action<T> fill) where T : new() {
+    var container = new T();
+    fill(container);
+    return container;
   }
 
   static string Pairs(StrStrMap map) {

@@ -3,6 +3,7 @@
 #include "CYAMLDocumentWriter.h"
 #include "CYAMLUtil.h"
 #include "IEmitter.h"
+#include "IllegalArgumentException.h"
 #include "ParserException.h"
 
 namespace kestrix {
@@ -123,6 +124,9 @@ ITestParserEventReceiver* CTestBench::sequenceEnd()
 
 void CTestBench::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    if (!emitter) {
+        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
+    }
     emitter->writeMapStart(m_main);
     if (!m_environment->isEmpty()) {
         emitter->write(std::string(KEY_ENV));

@@ -8,6 +8,7 @@
 #include "CYAMLUtil.h"
 #include "IEmitter.h"
 #include "IOException.h"
+#include "IllegalArgumentException.h"
 #include "IllegalStateException.h"
 #include "IndexOutOfBoundsException.h"
 #include "ParserException.h"
@@ -47,6 +48,23 @@ const int NO_OF_SECTIONS = sizeof(SECTION_NAMES) / sizeof(SECTION_NAMES[0]);
 std::string scalarText(const yaml_event_t& event)
 {
     return CYAMLScalar(event).getValue();
+}
+
+// A managed caller can pass a null emitter or put a null stub into the vector of `getStubs`.
+void checkEmitter(const std::shared_ptr<IEmitter>& emitter)
+{
+    if (!emitter) {
+        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
+    }
+}
+
+void checkStubs(const StubsVector& stubs)
+{
+    for (size_t i = 0; i < stubs.size(); ++i) {
+        if (!stubs[i]) {
+            throw IllegalArgumentException(KX_POS, "Stub must not be null!").add("index", static_cast<int>(i));
+        }
+    }
 }
 
 } // namespace
@@ -305,6 +323,8 @@ void CTestSpecification::writeKey(IEmitter& emitter, const char* key) const
 
 void CTestSpecification::serialize(std::shared_ptr<IEmitter> emitter, bool isWriteMapBrackets)
 {
+    checkEmitter(emitter);
+    checkStubs(m_stubs);
     IEmitter& out = *emitter;
     if (isWriteMapBrackets) {
         out.writeMapStart(m_main);
@@ -413,11 +433,22 @@ std::shared_ptr<CTestSpecification> CTestSpecification::addDerivedTestSpec(const
 
 void CTestSpecification::addDerivedTestSpec(int idx, std::shared_ptr<CTestSpecification> spec)
 {
+    // A null item or a cycle would break every later walk of the tree.
+    if (!spec || spec->contains(this)) {
+        throw IllegalArgumentException(KX_POS, "A derived test specification must be neither null nor an ancestor!")
+            .add("idx", idx);
+    }
     if (idx >= 0 && idx < getNoOfDerivedSpecs()) {
         m_derived.insert(m_derived.begin() + idx, spec);
     } else {
         m_derived.push_back(spec);
     }
+}
+
+bool CTestSpecification::contains(const CTestSpecification* spec) const
+{
+    return spec == this ||
+           std::any_of(m_derived.begin(), m_derived.end(), [spec](const auto& d) { return d->contains(spec); });
 }
 
 int CTestSpecification::deleteDerivedTestSpec(std::shared_ptr<CTestSpecification> spec)
@@ -533,6 +564,7 @@ void CTestSpecification::mergeStubs(const Levels& levels)
 {
     for (const CTestSpecification* level : levels) {
         if (!level->m_stubs.empty()) {
+            checkStubs(level->m_stubs);
             m_stubsBlock = level->m_stubsBlock;
             for (const auto& stub : level->m_stubs) {
                 auto copy = std::make_shared<CTestStub>(*stub);

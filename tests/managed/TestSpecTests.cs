@@ -102,6 +102,9 @@ public static class TestSpecTests {
       Check.True(root.getDerivedTestSpec(1).compare(a), "the same object comes back");
       Check.Equal(0, root.deleteDerivedTestSpec(b));
       Check.Equal(-1, root.deleteDerivedTestSpec(b));
+      Check.Throws<ApplicationException>(() => root.addDerivedTestSpec(0, null), "a null item");
+      Check.Throws<ApplicationException>(() => a.addDerivedTestSpec(0, root), "an ancestor");
+      Check.Equal(1, root.getNoOfDerivedSpecs());
       var e = Check.Throws<IOException>(() => root.getDerivedTestSpec(3));
       if (e != null) {
         Check.True(e.Message.StartsWith("No derived test specificatin at the given index exists!"), e.Message);
@@ -115,10 +118,6 @@ public static class TestSpecTests {
       if (e != null) {
         Check.True(e.Message.StartsWith("Parameters must not be assigned in both the 'func' section"), e.Message);
       }
-      Check.Throws<IOException>(() => spec.setTags("[a, [b]]"));
-      var tags = new StrVector();
-      spec.getTags(tags);
-      Check.Equal("a", Joined(tags));
       spec.setTags("[x, 'y z']");
       spec.setInitValues("{g: 1}");
       Check.Equal("tags: [x, 'y z']\ninit:\n  g: 1\nfunc: [f, [1]]\n", spec.toString());

@@ -8,8 +8,10 @@
 #include "CTestBench.h"
 #include "CTestSpecification.h"
 #include "Exceptions.h"
+#include "SectionTestSupport.h"
 
 using namespace kestrix;
+using namespace kestrix_test;
 
 namespace {
 
@@ -61,27 +63,10 @@ const char* const FULL_BLOCK =
     "  expect:\n"
     "  - rv == 15\n";
 
-/// A ParserException from reading `text` as a lone specification.
-ParserException parseFailure(const std::string& text)
+/// What reading `text` as a lone specification reports.
+ParseFailure specFailure(const std::string& text)
 {
-    try {
-        CTestSpecification::parseTestSpec(text);
-    } catch (const ParserException& e) {
-        return e;
-    } catch (const std::exception& e) {
-        ADD_FAILURE() << "wrong exception for: " << text << "\n" << e.what();
-        return ParserException(KX_POS, "none");
-    }
-    ADD_FAILURE() << "no exception for: " << text;
-    return ParserException(KX_POS, "none");
-}
-
-/// The position text "[Line: n  Col: m]" that the parser put into the error.
-std::string positionOf(const IException& e)
-{
-    const std::string& data = e.getData();
-    size_t start = data.rfind("[Line: ");
-    return start == std::string::npos ? "" : data.substr(start, data.find(']', start) + 1 - start);
+    return failureOf([&] { CTestSpecification::parseTestSpec(text); });
 }
 
 StrVector paramsOf(const CTestSpecification& spec)
@@ -152,61 +137,47 @@ TEST(CTestSpecification, KeysAreWrittenInFixedOrderWhateverTheFileOrder)
 
 TEST(CTestSpecification, RefusalsNameTheMessageAndPlace)
 {
-    struct Row {
-        const char* text;
-        const char* desc;
-        const char* message;
-        const char* position;
-    };
-    const char* const badChars = "Only subset of all characters is allowed: letters, numbers, and symbols: _-./:";
-    const Row rows[] = {
-        {"id: a b\n", "Illegal argument", badChars, "[Line: 2  Col: 0]"},
-        {"id: x\nid: y\n", "Illegal argument", "ID already set to: 'x'", "[Line: 3  Col: 0]"},
-        {"run: no\nrun: yes\n", "Illegal argument", "'run' mode already set to: 'no'", "[Line: 3  Col: 0]"},
-        {"desc: a\ndesc: b\n", "Illegal argument", "Description already set to: 'a'", "[Line: 3  Col: 0]"},
-        {"run: maybe\n", "Illegal argument",
-         "Invalid value of bool item. Should be one of 'true', 'false', 'yes', 'no', '1', or '0', but it is: maybe",
-         "[Line: 2  Col: 0]"},
-        {"tags: [a]\ntags: [b]\n", "Illegal argument", "Tags are already defined!", "[Line: 2  Col: 5]"},
-        {"tags: [a, \"b c\"]\n", "Illegal argument", badChars, "[Line: 1  Col: 16]"},
-        {"init: {a: 1}\ninit: {b: 2}\n", "Illegal state",
-         "Init section is already defined for this test specification!", "[Line: 2  Col: 5]"},
-        {"id: t\nunknown: 1\n", "Illegal argument", "Invalid section in test specification: unknown",
-         "[Line: 2  Col: 8]"},
-        {"config: {}\n", "Illegal argument", "Invalid section in test specification: config", "[Line: 1  Col: 7]"},
-        {"externalParams: {}\n", "Illegal argument", "Invalid section in test specification: externalParams",
-         "[Line: 1  Col: 15]"},
-        {"tests:\n- id: a\n  bad: 1\n", "Illegal argument", "Invalid section in test specification: bad",
-         "[Line: 3  Col: 6]"},
-        {"tests: abc\n", "Illegal argument",
-         "Scalar values not allowed for section 'E_SECTION_DERIVED_TESTS'  Key: 'tests', value: abc",
-         "[Line: 2  Col: 0]"},
-        {"tests: [abc]\n", "Illegal argument",
-         "Invalid section for sequence start (value = 'abc'): E_SECTION_DERIVED_TEST_SPEC", "[Line: 1  Col: 12]"},
-        {"stubs:\n- func: [f]\n- x\n", "Illegal argument",
-         "Invalid section for sequence start (value = 'x'): E_SECTION_STUB_ITEM", "[Line: 4  Col: 0]"},
-        {"tests: {id: a}\n", "Illegal argument",
-         "Invalid section for mapping start: E_SECTION_DERIVED_TESTS.  Key: 'tests'", "[Line: 1  Col: 8]"},
-        {"id: [a]\n", "Illegal argument", "Invalid section for sequence. Section: E_SECTION_ID", "[Line: 1  Col: 5]"},
-        {"- a\n", "Illegal argument", "Invalid section for sequence. Section: E_SECTION_MAIN", "[Line: 1  Col: 1]"},
-        {"func: f\n", "Illegal argument",
-         "Function call specification should be described as a list: '[funcName, ...]'! Given as scalar: 'f'",
-         "[Line: 2  Col: 0]"},
-        {"func: [f]\nfunc: [g]\n", "Illegal argument",
-         "Invalid specification for function call! Unexpected sequence start!", "[Line: 2  Col: 7]"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        ParserException e = parseFailure(row.text);
-        EXPECT_EQ(row.desc, e.getDesc());
-        EXPECT_NE(std::string::npos, e.getData().find("Error: " + std::string(row.message) + "  [/")) << e.getData();
-        EXPECT_EQ(row.position, positionOf(e)) << e.getData();
-    }
-    ParserException e = parseFailure("desc: x\nid: a b\n");
-    EXPECT_NE(std::string::npos, e.getData().find("description: Test ID may not contain spaces and some symbols.\n"
-                                                  "    invalidString: a b\n    forbiddenChar: ' '"))
-        << e.getData();
-    EXPECT_EQ("[Line: 3  Col: 0]", positionOf(e));
+    const std::string badChars = "Only subset of all characters is allowed: letters, numbers, and symbols: _-./:";
+    expectRefusals(
+        {
+            {"id: a b\n", badChars, "[Line: 2  Col: 0]"},
+            {"id: x\nid: y\n", "ID already set to: 'x'", "[Line: 3  Col: 0]"},
+            {"run: no\nrun: yes\n", "'run' mode already set to: 'no'", "[Line: 3  Col: 0]"},
+            {"desc: a\ndesc: b\n", "Description already set to: 'a'", "[Line: 3  Col: 0]"},
+            {"run: maybe\n",
+             "Invalid value of bool item. Should be one of 'true', 'false', 'yes', 'no', '1', or '0', but it is: maybe",
+             "[Line: 2  Col: 0]"},
+            {"tags: [a]\ntags: [b]\n", "Tags are already defined!", "[Line: 2  Col: 5]"},
+            {"tags: [a, \"b c\"]\n", badChars, "[Line: 1  Col: 16]"},
+            {"id: t\nunknown: 1\n", "Invalid section in test specification: unknown", "[Line: 2  Col: 8]"},
+            {"config: {}\n", "Invalid section in test specification: config", "[Line: 1  Col: 7]"},
+            {"externalParams: {}\n", "Invalid section in test specification: externalParams", "[Line: 1  Col: 15]"},
+            {"tests:\n- id: a\n  bad: 1\n", "Invalid section in test specification: bad", "[Line: 3  Col: 6]"},
+            {"tests: abc\n", "Scalar values not allowed for section 'E_SECTION_DERIVED_TESTS'  Key: 'tests', value: abc",
+             "[Line: 2  Col: 0]"},
+            {"tests: [abc]\n", "Invalid section for sequence start (value = 'abc'): E_SECTION_DERIVED_TEST_SPEC",
+             "[Line: 1  Col: 12]"},
+            {"stubs:\n- func: [f]\n- x\n", "Invalid section for sequence start (value = 'x'): E_SECTION_STUB_ITEM",
+             "[Line: 4  Col: 0]"},
+            {"tests: {id: a}\n", "Invalid section for mapping start: E_SECTION_DERIVED_TESTS.  Key: 'tests'",
+             "[Line: 1  Col: 8]"},
+            {"id: [a]\n", "Invalid section for sequence. Section: E_SECTION_ID", "[Line: 1  Col: 5]"},
+            {"- a\n", "Invalid section for sequence. Section: E_SECTION_MAIN", "[Line: 1  Col: 1]"},
+            {"func: f\n", "Function call specification should be described as a list: '[funcName, ...]'! Given as "
+                          "scalar: 'f'", "[Line: 2  Col: 0]"},
+            {"func: [f]\nfunc: [g]\n", "Invalid specification for function call! Unexpected sequence start!",
+             "[Line: 2  Col: 7]"},
+        },
+        specFailure);
+
+    ParseFailure init = specFailure("init: {a: 1}\ninit: {b: 2}\n");
+    EXPECT_EQ("Illegal state", init.desc);
+    EXPECT_EQ("Init section is already defined for this test specification!", init.message);
+    EXPECT_EQ("[Line: 2  Col: 5]", init.position);
+    ParseFailure id = specFailure("desc: x\nid: a b\n");
+    EXPECT_TRUE(id.has("description: Test ID may not contain spaces and some symbols.\n"
+                       "    invalidString: a b\n    forbiddenChar: ' '")) << id.context;
+    EXPECT_EQ("[Line: 3  Col: 0]", id.position);
 }
 
 TEST(CTestSpecification, RepeatedBlocksReplaceOrAppendAsEachKeyWants)
@@ -238,7 +209,7 @@ TEST(CTestSpecification, ParametersInFuncAndParamsOfOneBlockAreRefusedByLoadOnly
 {
     const std::string text = "tests:\n- func: [f, [1]]\n  params: [2]\n";
     EXPECT_EQ("Function parameters must not be specified in 'func' and 'params' sections. Remove one of sections!",
-              parseFailure(text).getDesc());
+              specFailure(text).desc);
     // Different levels are legal: merge settles them.
     EXPECT_NO_THROW(CTestSpecification::parseTestSpec("func: [f, [1]]\ntests:\n- params: [2]\n"));
     // A bench does not validate.
@@ -326,6 +297,11 @@ TEST(CTestSpecification, DerivedListIsEditedByIndexAndPointer)
     EXPECT_EQ(1, root->deleteDerivedTestSpec(c));
     EXPECT_EQ(b, root->getDerivedTestSpec(1));
     EXPECT_EQ(3, root->getNoOfDerivedSpecs());
+    // A null item or an ancestor (a cycle) is refused and nothing changes.
+    for (const SpecPtr& bad : {SpecPtr(), grandChild, a, root}) {
+        EXPECT_THROW(grandChild->addDerivedTestSpec(0, bad), IllegalArgumentException);
+    }
+    EXPECT_FALSE(grandChild->hasDerivedSpecs());
 }
 
 TEST(CTestSpecification, TestCountRespectsRunFlagOfEachLevelOnly)
@@ -400,4 +376,10 @@ TEST(CTestSpecification, StubsAreMadeDetachedAndRemovedByIndex)
     ASSERT_EQ(2u, spec->getStubs().size());
     EXPECT_EQ("b", spec->getStubs()[0]->getFunctionName());
     EXPECT_EQ("c", spec->getStubs()[1]->getFunctionName());
+
+    // What a managed caller may hand over as null is refused before it is used.
+    spec->getStubs().push_back(nullptr);
+    EXPECT_THROW(spec->toString(), IllegalArgumentException);
+    EXPECT_THROW(spec->addDerivedTestSpec("d", "")->merge(), IllegalArgumentException);
+    EXPECT_THROW(spec->serialize(nullptr), IllegalArgumentException);
 }

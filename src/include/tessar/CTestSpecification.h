@@ -124,7 +124,7 @@ public:
     /// A new derived test with this one as parent; empty texts are not set.
     std::shared_ptr<CTestSpecification> addDerivedTestSpec(const std::string& testId, const std::string& funcName);
     /// Inserts in front of `idx`, or appends when `idx` is out of range. The parent of
-    /// `spec` stays as it was made.
+    /// `spec` stays as it was made. A null `spec` or one that holds this test is refused.
     void addDerivedTestSpec(int idx, std::shared_ptr<CTestSpecification> spec);
     /// Index that `spec` had, or -1 when it is not a direct child.
     int deleteDerivedTestSpec(std::shared_ptr<CTestSpecification> spec);
@@ -180,6 +180,8 @@ private:
     typedef std::vector<const CTestSpecification*> Levels;
 
     void enterChildSections();
+    /// True when `spec` is this one or lies in its derived tree.
+    bool contains(const CTestSpecification* spec) const;
     /// The levels from this one up; `holders` keeps the ancestors alive meanwhile.
     Levels getLevels(std::vector<CTestSpecificationSPtr>& holders) const;
     /// Sets `field` from the nearest level where it is not empty.
