@@ -176,72 +176,62 @@ void CXMLEmitter::writeSequenceEnd()
 
 void CXMLEmitter::mapStart(EFlowStyle)
 {
-    if (!m_tagStack.empty()) {
-        if (m_tagStack.back().mode == MAPPING_KEY) {
-            throw IllegalStateException(KX_POS, "Mapping is not allowed as mapping key!");
-        }
-        if (m_tagStack.back().mode == MAPPING_VALUE) {
-            // The key's open tag ends its line; the mapping goes one level deeper.
-            *m_stream << "\n";
-            ++m_indentLevel;
-        }
+    if (!m_tagStack.empty() && m_tagStack.back().mode == MAPPING_KEY) {
+        throw IllegalStateException(KX_POS, "Mapping is not allowed as mapping key!");
     }
-    indent();
-    *m_stream << "<map>\n";
-    m_tagStack.push_back({"map", MAPPING_KEY});
-    ++m_indentLevel;
+    openCollection("map", MAPPING_KEY);
 }
 
 void CXMLEmitter::mapEnd()
 {
-    if (m_tagStack.empty()) {
-        throw IllegalStateException(KX_POS, "Tag stack is empty when writing mapping end!");
-    }
-    if (m_tagStack.back().mode != MAPPING_KEY) {
-        throw IllegalStateException(KX_POS, "Can not end mapping when key is expected!");
-    }
-    --m_indentLevel;
-    indent();
-    *m_stream << "</" << m_tagStack.back().tag << ">\n";
-    m_tagStack.pop_back();
-    closeKeyElement();
+    closeCollection(MAPPING_KEY, "Tag stack is empty when writing mapping end!",
+                    "Can not end mapping when key is expected!");
 }
 
 void CXMLEmitter::sequenceStart(EFlowStyle)
 {
-    if (!m_tagStack.empty() && m_tagStack.back().mode == MAPPING_VALUE) {
-        *m_stream << "\n";
-        ++m_indentLevel;
-    }
-    indent();
-    *m_stream << "<sequence>\n";
-    m_tagStack.push_back({"sequence", SEQUENCE});
-    ++m_indentLevel;
+    openCollection("sequence", SEQUENCE);
 }
 
 void CXMLEmitter::sequenceEnd()
 {
+    closeCollection(SEQUENCE, "Tag stack is empty when writing sequence end!", "Can not end sequence without start!");
+}
+
+void CXMLEmitter::openCollection(const char* tag, int mode)
+{
+    if (!m_tagStack.empty() && m_tagStack.back().mode == MAPPING_VALUE) {
+        // The key's open tag ends its line; the collection goes one level deeper.
+        *m_stream << "\n";
+        ++m_indentLevel;
+    }
+    indent();
+    *m_stream << "<" << tag << ">\n";
+    m_tagStack.push_back({tag, mode});
+    ++m_indentLevel;
+}
+
+void CXMLEmitter::closeCollection(int mode, const char* emptyMessage, const char* wrongModeMessage)
+{
     if (m_tagStack.empty()) {
-        throw IllegalStateException(KX_POS, "Tag stack is empty when writing sequence end!");
+        throw IllegalStateException(KX_POS, emptyMessage);
     }
-    if (m_tagStack.back().mode != SEQUENCE) {
-        throw IllegalStateException(KX_POS, "Can not end sequence without start!");
+    if (m_tagStack.back().mode != mode) {
+        throw IllegalStateException(KX_POS, wrongModeMessage);
     }
+    closeElement();
+    // A collection that was the value of a key also closes the key's element.
+    if (!m_tagStack.empty() && m_tagStack.back().mode == MAPPING_VALUE) {
+        closeElement();
+    }
+}
+
+void CXMLEmitter::closeElement()
+{
     --m_indentLevel;
     indent();
     *m_stream << "</" << m_tagStack.back().tag << ">\n";
     m_tagStack.pop_back();
-    closeKeyElement();
-}
-
-void CXMLEmitter::closeKeyElement()
-{
-    if (!m_tagStack.empty() && m_tagStack.back().mode == MAPPING_VALUE) {
-        --m_indentLevel;
-        indent();
-        *m_stream << "</" << m_tagStack.back().tag << ">\n";
-        m_tagStack.pop_back();
-    }
 }
 
 template <typename T>

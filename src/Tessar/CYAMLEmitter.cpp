@@ -192,26 +192,9 @@ void CYAMLEmitter::writeSequenceEnd()
     emitEnd(&yaml_sequence_end_event_initialize, "YAML emitter error: ");
 }
 
-namespace {
-
-/// libyaml's style for the caller's style (the numbers run the other way round).
-int yamlStyleOf(IEmitter::EFlowStyle style, int flow, int block)
-{
-    switch (style) {
-    case IEmitter::STYLE_FLOW:
-        return flow;
-    case IEmitter::STYLE_BLOCK:
-        return block;
-    default:
-        return 0;
-    }
-}
-
-} // namespace
-
 void CYAMLEmitter::mapStart(EFlowStyle style)
 {
-    writeMapStart(CYAMLMap(yamlStyleOf(style, YAML_FLOW_MAPPING_STYLE, YAML_BLOCK_MAPPING_STYLE)));
+    writeMapStart(CYAMLMap(CYAMLObject::swapBlockAndFlow(style)));
 }
 
 void CYAMLEmitter::mapEnd()
@@ -221,7 +204,7 @@ void CYAMLEmitter::mapEnd()
 
 void CYAMLEmitter::sequenceStart(EFlowStyle style)
 {
-    writeSequenceStart(CYAMLSequence(yamlStyleOf(style, YAML_FLOW_SEQUENCE_STYLE, YAML_BLOCK_SEQUENCE_STYLE)));
+    writeSequenceStart(CYAMLSequence(CYAMLObject::swapBlockAndFlow(style)));
 }
 
 void CYAMLEmitter::sequenceEnd()

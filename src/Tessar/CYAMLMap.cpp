@@ -76,17 +76,18 @@ void CYAMLMap::initStartEvent(yaml_event_t* event) const
 
 int CYAMLMap::getStyle() const
 {
-    switch (m_style) {
-    case YAML_BLOCK_MAPPING_STYLE:
-        return 2;
-    case YAML_FLOW_MAPPING_STYLE:
-        return 1;
-    default:
-        return 0;
-    }
+    return swapBlockAndFlow(m_style);
 }
 
 void CYAMLMap::add(const CYAMLScalar& key, std::shared_ptr<CYAMLObject> value)
+{
+    if (!tryAdd(key, std::move(value))) {
+        throw IllegalArgumentException(KX_POS, "Map item with this key is already defined. Duplicates are not allowed!")
+            .add("key", toExpressionText(key));
+    }
+}
+
+bool CYAMLMap::tryAdd(const CYAMLScalar& key, std::shared_ptr<CYAMLObject> value)
 {
     // Every entry has a value, so that writers and readers need not check.
     if (!value) {
@@ -94,11 +95,12 @@ void CYAMLMap::add(const CYAMLScalar& key, std::shared_ptr<CYAMLObject> value)
     }
     const auto found = m_entries.lower_bound(key);
     if (found != m_entries.end() && compareExpressionText(found->first, key) == 0) {
-        throw IllegalArgumentException(KX_POS, "Map item with this key is already defined. Duplicates are not allowed!")
-            .add("key", toExpressionText(key));
+        return false;
     }
+    std::string keyText = toExpressionText(key);
     m_entries.emplace_hint(found, key, std::move(value));
-    m_keys.push_back(toExpressionText(key));
+    m_keys.push_back(std::move(keyText));
+    return true;
 }
 
 void CYAMLMap::clear()
@@ -146,19 +148,26 @@ void CYAMLMap::getKeys(StrVector& keys) const
 
 void CYAMLMap::getValues(StrVector& values) const
 {
+    StrVector texts;
+    texts.reserve(m_keys.size());
     for (const auto& key : m_keys) {
-        values.push_back(toExpressionText(entryOf(key).second->asScalar()));
+        texts.push_back(toExpressionText(entryOf(key).second->asScalar()));
     }
+    values.insert(values.end(), texts.begin(), texts.end());
 }
 
 void CYAMLMap::getMap(StrStrMap& map) const
 {
+    StrStrMap pairs;
     for (const auto& entry : m_entries) {
-        const std::string key = toExpressionText(entry.first);
+        std::string key = toExpressionText(entry.first);
         if (entry.second->getType() != SCALAR) {
             throw IllegalArgumentException(KX_POS, "Not all values are scalars! Key of nonscalar value: " + key);
         }
-        map[key] = toExpressionText(entry.second->asScalar());
+        pairs.emplace_hint(pairs.end(), std::move(key), toExpressionText(entry.second->asScalar()));
+    }
+    for (auto& pair : pairs) {
+        map[pair.first] = std::move(pair.second);
     }
 }
 

@@ -34,10 +34,10 @@ ITestParserEventReceiver* CYAMLMapReceiver::mappingValue(const yaml_event_t& eve
     if (m_state != INSIDE) {
         throw ParserException(KX_POS, "Scalar value outside mapping section: ", m_key.getValue());
     }
-    if (m_map->contains(m_key)) {
+    // One look-up both finds a duplicate and places the new entry.
+    if (!m_map->tryAdd(m_key, std::make_shared<CYAMLScalar>(event))) {
         throw ParserException(KX_POS, "Duplicate keys are not allowed in map: ", m_key.getValue());
     }
-    m_map->add(m_key, std::make_shared<CYAMLScalar>(event));
     if (m_validator != nullptr) {
         m_validator->validate(m_key, "");
     }

@@ -99,13 +99,12 @@ void CYAMLParser::parse(IKestrixYAMLInput& input)
         try {
             dispatch(event, streamEnded);
         } catch (const IOException& e) {
-            throwConverted(input, "IO error", e);
+            throwAtMark(input, "IO error", e.what());
         } catch (const IllegalStateException& e) {
-            throwConverted(input, "Illegal state", e);
-        } catch (const IllegalArgumentException& e) {
-            throwConverted(input, "Illegal argument", e);
+            throwAtMark(input, "Illegal state", e.what());
         } catch (const IException& e) {
-            throwConverted(input, "Illegal argument", e);
+            // IllegalArgumentException, ParserException and the rest of the family.
+            throwAtMark(input, "Illegal argument", e.what());
         }
     }
 }
@@ -158,17 +157,15 @@ void CYAMLParser::dispatch(const yaml_event_t& event, bool& streamEnded)
 
 void CYAMLParser::throwSyntaxError(IKestrixYAMLInput& input)
 {
-    std::string problem = m_parser.problem != nullptr ? m_parser.problem : "";
-    std::string message = std::string(errorWord(m_parser.error)) + " " + problem;
-    throw ParserException(KX_POS, "YAML syntax error")
-        .add("testSpecification", input.getErrorContext(m_parser.mark.line, m_parser.mark.column, message, 6));
+    const std::string problem = m_parser.problem != nullptr ? m_parser.problem : "";
+    throwAtMark(input, "YAML syntax error", errorWord(m_parser.error) + (" " + problem));
 }
 
-void CYAMLParser::throwConverted(IKestrixYAMLInput& input, const char* desc, const IException& cause)
+void CYAMLParser::throwAtMark(IKestrixYAMLInput& input, const char* desc, const std::string& message)
 {
+    // The parser's current mark: where it stands when the error surfaces.
     throw ParserException(KX_POS, desc)
-        .add("testSpecification",
-             input.getErrorContext(m_parser.mark.line, m_parser.mark.column, cause.what(), 6));
+        .add("testSpecification", input.getErrorContext(m_parser.mark.line, m_parser.mark.column, message, 6));
 }
 
 } // namespace kestrix

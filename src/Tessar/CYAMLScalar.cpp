@@ -1,7 +1,6 @@
 #include "CYAMLScalar.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include "CUtil.h"
 #include "IOException.h"
@@ -102,12 +101,14 @@ void CYAMLScalar::assignPlain(const std::string& value)
 
 namespace {
 
-/// The expression text of a scalar as its value and the quote around it (0 for none).
+/// The expression text of a scalar (or of a key text) as a value and the quote around it
+/// (0 for none), so that texts are compared without being built.
 struct ExpressionView {
     char quote;
     const std::string& value;
 
     explicit ExpressionView(const CYAMLScalar& scalar) : quote(quoteOf(scalar)), value(scalar.getValue()) {}
+    explicit ExpressionView(const std::string& text) : quote(0), value(text) {}
 
     static char quoteOf(const CYAMLScalar& scalar)
     {
@@ -139,16 +140,19 @@ struct ExpressionView {
     std::string text() const { return quote == 0 ? value : quote + value + quote; }
 };
 
-int compareBytes(const ExpressionView& a, const char* b, size_t bSize)
+int compareViews(const ExpressionView& a, const ExpressionView& b)
 {
-    const size_t common = std::min(a.size(), bSize);
+    if (a.quote == 0 && b.quote == 0) {
+        const int result = a.value.compare(b.value);
+        return result < 0 ? -1 : (result > 0 ? 1 : 0);
+    }
+    const size_t common = std::min(a.size(), b.size());
     for (size_t i = 0; i < common; ++i) {
-        const unsigned char cb = static_cast<unsigned char>(b[i]);
-        if (a.at(i) != cb) {
-            return a.at(i) < cb ? -1 : 1;
+        if (a.at(i) != b.at(i)) {
+            return a.at(i) < b.at(i) ? -1 : 1;
         }
     }
-    return a.size() < bSize ? -1 : (a.size() > bSize ? 1 : 0);
+    return a.size() < b.size() ? -1 : (a.size() > b.size() ? 1 : 0);
 }
 
 } // namespace
@@ -173,24 +177,12 @@ std::string toQuotedText(const CYAMLScalar& scalar)
 
 int compareExpressionText(const CYAMLScalar& a, const CYAMLScalar& b)
 {
-    const ExpressionView viewA(a);
-    const ExpressionView viewB(b);
-    if (viewA.quote == 0 && viewB.quote == 0) {
-        const int result = viewA.value.compare(viewB.value);
-        return result < 0 ? -1 : (result > 0 ? 1 : 0);
-    }
-    const size_t common = std::min(viewA.size(), viewB.size());
-    for (size_t i = 0; i < common; ++i) {
-        if (viewA.at(i) != viewB.at(i)) {
-            return viewA.at(i) < viewB.at(i) ? -1 : 1;
-        }
-    }
-    return viewA.size() < viewB.size() ? -1 : (viewA.size() > viewB.size() ? 1 : 0);
+    return compareViews(ExpressionView(a), ExpressionView(b));
 }
 
 int compareExpressionText(const CYAMLScalar& a, const std::string& b)
 {
-    return compareBytes(ExpressionView(a), b.data(), b.size());
+    return compareViews(ExpressionView(a), ExpressionView(b));
 }
 
 } // namespace kestrix

@@ -58,14 +58,7 @@ void CYAMLSequence::initStartEvent(yaml_event_t* event) const
 
 int CYAMLSequence::getStyle() const
 {
-    switch (m_style) {
-    case YAML_BLOCK_SEQUENCE_STYLE:
-        return 2;
-    case YAML_FLOW_SEQUENCE_STYLE:
-        return 1;
-    default:
-        return 0;
-    }
+    return swapBlockAndFlow(m_style);
 }
 
 void CYAMLSequence::add(const CYAMLScalar& item)

@@ -87,19 +87,26 @@ void CYAMLTestContentHandler::seqStart(const yaml_event_t& event)
     collectionStart(event, IN_SEQUENCE);
 }
 
+void CYAMLTestContentHandler::collectionEnd()
+{
+    if (m_stateStack.empty()) {
+        throw ParserException(KX_POS, "End of a mapping or sequence that was not started!");
+    }
+    m_state = m_stateStack.top();
+    m_stateStack.pop();
+}
+
 void CYAMLTestContentHandler::mappingEnd()
 {
     ITestParserEventReceiver& receiver = current();
-    m_state = m_stateStack.top();
-    m_stateStack.pop();
+    collectionEnd();
     m_receiver = receiver.mappingEnd();
 }
 
 void CYAMLTestContentHandler::sequenceEnd()
 {
     ITestParserEventReceiver& receiver = current();
-    m_state = m_stateStack.top();
-    m_stateStack.pop();
+    collectionEnd();
     m_receiver = receiver.sequenceEnd();
 }
 

@@ -181,6 +181,10 @@ TEST(CYAMLParser, RefusesUseWithoutHandlerOrTwiceAndLeavesReaderErrorsUnconverte
     parser.parse(input);
     EXPECT_THROW(parser.parse(input), IllegalStateException);
 
+    // Driven by hand, the handler refuses an end without a start.
+    EXPECT_EQ("End of a mapping or sequence that was not started!\n",
+              failureOf<ParserException>([&] { handler.sequenceEnd(); }));
+
     CYAMLParser failing;
     failing.setContentHandler(&handler);
     FailingInput broken;

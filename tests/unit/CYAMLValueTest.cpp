@@ -149,12 +149,15 @@ TEST(CYAMLMapTest, WrongKindsAreRefusedNamingTheType)
     CYAMLMap map;
     map.add(CYAMLScalar("s"), std::make_shared<CYAMLScalar>("1"));
     map.add(CYAMLScalar("list"), std::make_shared<CYAMLSequence>());
-    StrStrMap texts;
+    StrStrMap texts{{"old", "x"}};
     EXPECT_EQ("Not all values are scalars! Key of nonscalar value: list\n",
               failureOf<IllegalArgumentException>([&] { map.getMap(texts); }));
-    StrVector values;
+    StrVector values{"old"};
     EXPECT_EQ("This object is not a scalar. Type = 1\n",
               failureOf<IllegalStateException>([&] { map.getValues(values); }));
+    // A refused conversion adds nothing.
+    EXPECT_EQ((StrStrMap{{"old", "x"}}), texts);
+    EXPECT_EQ(StrVector{"old"}, values);
     EXPECT_EQ("This object is not a map. Type = 0\n",
               failureOf<IllegalStateException>([&] { CYAMLScalar("a").asMap(); }));
     EXPECT_EQ("This object is not a sequence. Type = 2\n", failureOf<IllegalStateException>([&] { map.asSequence(); }));

@@ -60,8 +60,12 @@ private:
     };
 
     void indent();
-    /// Closes the element of a key whose value (a collection) just ended.
-    void closeKeyElement();
+    /// Opens the element of a mapping or sequence, inside the element of its key if it is a value.
+    void openCollection(const char* tag, int mode);
+    /// Closes the innermost element, which must be a collection of `mode`.
+    void closeCollection(int mode, const char* emptyMessage, const char* wrongModeMessage);
+    /// Closes the innermost element, one level up.
+    void closeElement();
     template <typename T>
     void writeElement(const std::string& key, const T& value);
 

@@ -47,6 +47,8 @@ public:
 
     /// Adds an entry; IllegalArgumentException when the key is there already or the value is null.
     void add(const CYAMLScalar& key, std::shared_ptr<CYAMLObject> value);
+    /// As `add`, but a key that is there already leaves the map unchanged and gives false.
+    bool tryAdd(const CYAMLScalar& key, std::shared_ptr<CYAMLObject> value);
     /// Removes all entries; anchor, tag and style stay.
     void clear();
 
@@ -68,9 +70,11 @@ public:
 
     /// Appends the key texts in order of insertion.
     void getKeys(StrVector& keys) const;
-    /// Appends the expression text of each value, in order of insertion; each must be a scalar.
+    /// Appends the expression text of each value, in order of insertion; each must be a scalar
+    /// (otherwise IllegalStateException, and nothing is appended).
     void getValues(StrVector& values) const;
-    /// Expression texts of keys and values; IllegalArgumentException for a value that is not a scalar.
+    /// Expression texts of keys and values; IllegalArgumentException for a value that is not a
+    /// scalar, and then `map` is left as it was.
     void getMap(StrStrMap& map) const;
 
 private:

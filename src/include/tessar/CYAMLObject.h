@@ -39,6 +39,10 @@ public:
     /// The caller owns the event afterwards and hands it to the emitter.
     virtual void initStartEvent(yaml_event_t* event) const = 0;
 
+    /// libyaml's collection style and the caller's style of IEmitter run the other way round
+    /// (libyaml: 1 block, 2 flow; caller: 1 flow, 2 block); anything else is 0 either way.
+    static int swapBlockAndFlow(int style) { return style == 1 ? 2 : (style == 2 ? 1 : 0); }
+
     void setAnchor(const std::string& anchor) { m_anchor = anchor; }
     void setTag(const std::string& tag) { m_tag = tag; }
 

@@ -2,12 +2,12 @@
 
 #include <yaml.h>
 
+#include <string>
+
 #include "IKestrixYAMLInput.h"
 #include "IYAMLContentHandler.h"
 
 namespace kestrix {
-
-class IException;
 
 /// Pulls libyaml's events from an input and dispatches them to a content handler. Every
 /// failure comes out as ParserException whose "testSpecification" item shows the place.
@@ -27,8 +27,8 @@ public:
 private:
     void dispatch(const yaml_event_t& event, bool& streamEnded);
     [[noreturn]] void throwSyntaxError(IKestrixYAMLInput& input);
-    [[noreturn]] void throwConverted(IKestrixYAMLInput& input, const char* desc,
-                                     const IException& cause);
+    /// ParserException `desc` whose "testSpecification" shows `message` at the parser's place.
+    [[noreturn]] void throwAtMark(IKestrixYAMLInput& input, const char* desc, const std::string& message);
 
     yaml_parser_t m_parser;
     IYAMLContentHandler* m_handler = nullptr;

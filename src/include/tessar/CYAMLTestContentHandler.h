@@ -36,6 +36,8 @@ private:
     void nextPosition();
     void collectionStart(const yaml_event_t& event, EState inner);
     void recordCollectionAnchor(const yaml_event_t& event);
+    /// Back to the position of the enclosing collection.
+    void collectionEnd();
     /// The current receiver; ParserException when an earlier block end left none.
     ITestParserEventReceiver& current() const;
 
