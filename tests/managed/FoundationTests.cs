@@ -63,10 +63,18 @@ public static class FoundationTests {
       }
     });
 
-    Check.Case("a null string argument gives ArgumentNullException", () => {
-      Check.Throws<ArgumentNullException>(() => CUtil.trim(null));
+    Check.Case("a null argument gives ArgumentNullException with its type text", () => {
+      var nullArguments = new (string text, Action call)[] {
+        ("null string", () => CUtil.trim(null)),
+        ("kestrix::StrVector & type is null", () => CUtil.split("a,b", ',', null)),
+        ("SType const & type is null", () => new CValueType(null, 1L)),
+        ("kestrix::CTestReportConfig const & reference is null", () => new CTestReportConfig().assign(null)),
+      };
+      foreach (var row in nullArguments) {
+        var e = Check.Throws<ArgumentNullException>(row.call, row.text);
+        if (e != null) Check.Equal(row.text, e.Message);
+      }
       Check.Equal("", CUtil.trim(""), "an empty string is not null");
-      Check.Throws<ArgumentNullException>(() => CUtil.split("a,b", ',', null));
     });
 
     Check.Case("StrVector range errors leave the vector unchanged", () => {
