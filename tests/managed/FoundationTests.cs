@@ -84,8 +84,14 @@ public static class FoundationTests {
       if (ex != null) Check.Equal("index", ex.ParamName);
       ex = Check.Throws<ArgumentOutOfRangeException>(() => v.RemoveRange(0, -1));
       if (ex != null) Check.Equal("count", ex.ParamName);
-      var ae = Check.Throws<ArgumentException>(() => v.GetRange(4, 0));
-      if (ae != null) Check.True(ae.Message.StartsWith("invalid range"), ae.Message);
+      var invalidRanges = new Action[] {
+        () => v.GetRange(4, 0), () => v.GetRange(1, int.MaxValue),
+        () => v.RemoveRange(1, int.MaxValue), () => v.Reverse(1, int.MaxValue),
+      };
+      foreach (var call in invalidRanges) {
+        var ae = Check.Throws<ArgumentException>(call);
+        if (ae != null) Check.True(ae.Message.StartsWith("invalid range"), ae.Message);
+      }
       StrVector longer = new StrVector(new string[] { "x", "y", "z", "w" });
       ex = Check.Throws<ArgumentOutOfRangeException>(() => v.SetRange(0, longer));
       if (ex != null) Check.Equal("index", ex.ParamName);
