@@ -2,7 +2,7 @@
 %module(directors="0") kestrixOrbel
 
 %include <std_string.i>
-%include <std_vector.i>
+%include "kestrix_std_vector.i"
 %include "kestrix_std_map.i"
 %include <std_shared_ptr.i>
 %include <carrays.i>

@@ -1,5 +1,7 @@
 #include "StrStrMapIterator.h"
 
+#include <iterator>
+
 #include "IndexOutOfBoundsException.h"
 
 namespace kestrix {
@@ -14,28 +16,27 @@ bool StrStrMapIterator::isValid() const
 }
 
 // Reading or moving past the end is refused rather than left undefined.
-const std::string& StrStrMapIterator::key() const
+StrStrMap::const_iterator StrStrMapIterator::current() const
 {
     if (!isValid()) {
         throw IndexOutOfBoundsException(KX_POS, "Map iterator is at the end!");
     }
-    return m_current->first;
+    return m_current;
+}
+
+const std::string& StrStrMapIterator::key() const
+{
+    return current()->first;
 }
 
 const std::string& StrStrMapIterator::value() const
 {
-    if (!isValid()) {
-        throw IndexOutOfBoundsException(KX_POS, "Map iterator is at the end!");
-    }
-    return m_current->second;
+    return current()->second;
 }
 
 void StrStrMapIterator::inc()
 {
-    if (!isValid()) {
-        throw IndexOutOfBoundsException(KX_POS, "Map iterator is at the end!");
-    }
-    ++m_current;
+    m_current = std::next(current());
 }
 
 } // namespace kestrix

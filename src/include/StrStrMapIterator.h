@@ -17,6 +17,8 @@ public:
     void inc();
 
 private:
+    StrStrMap::const_iterator current() const;
+
     StrStrMap::const_iterator m_current;
     StrStrMap::const_iterator m_end;
 };

@@ -63,10 +63,18 @@ public static class FoundationTests {
       }
     });
 
-    Check.Case("a null string argument gives ArgumentNullException", () => {
-      Check.Throws<ArgumentNullException>(() => CUtil.trim(null));
+    Check.Case("a null argument gives ArgumentNullException with its type text", () => {
+      var nullArguments = new (string text, Action call)[] {
+        ("null string", () => CUtil.trim(null)),
+        ("kestrix::StrVector & type is null", () => CUtil.split("a,b", ',', null)),
+        ("SType const & type is null", () => new CValueType(null, 1L)),
+        ("kestrix::CTestReportConfig const & reference is null", () => new CTestReportConfig().assign(null)),
+      };
+      foreach (var row in nullArguments) {
+        var e = Check.Throws<ArgumentNullException>(row.call, row.text);
+        if (e != null) Check.Equal(row.text, e.Message);
+      }
       Check.Equal("", CUtil.trim(""), "an empty string is not null");
-      Check.Throws<ArgumentNullException>(() => CUtil.split("a,b", ',', null));
     });
 
     Check.Case("StrVector range errors leave the vector unchanged", () => {
@@ -76,8 +84,14 @@ public static class FoundationTests {
       if (ex != null) Check.Equal("index", ex.ParamName);
       ex = Check.Throws<ArgumentOutOfRangeException>(() => v.RemoveRange(0, -1));
       if (ex != null) Check.Equal("count", ex.ParamName);
-      var ae = Check.Throws<ArgumentException>(() => v.GetRange(4, 0));
-      if (ae != null) Check.True(ae.Message.StartsWith("invalid range"), ae.Message);
+      var invalidRanges = new Action[] {
+        () => v.GetRange(4, 0), () => v.GetRange(1, int.MaxValue),
+        () => v.RemoveRange(1, int.MaxValue), () => v.Reverse(1, int.MaxValue),
+      };
+      foreach (var call in invalidRanges) {
+        var ae = Check.Throws<ArgumentException>(call);
+        if (ae != null) Check.True(ae.Message.StartsWith("invalid range"), ae.Message);
+      }
       StrVector longer = new StrVector(new string[] { "x", "y", "z", "w" });
       ex = Check.Throws<ArgumentOutOfRangeException>(() => v.SetRange(0, longer));
       if (ex != null) Check.Equal("index", ex.ParamName);

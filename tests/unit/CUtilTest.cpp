@@ -39,55 +39,55 @@ TEST(CUtilNumbersToText, DecimalAndHexForms)
     EXPECT_EQ("1e+20", CUtil::d2a(1e20));
 }
 
-TEST(CUtilTextToNumbers, A2lAcceptsDigitsOnly)
+TEST(CUtilTextToNumbers, AcceptedTexts)
 {
     EXPECT_EQ(123, CUtil::a2l("123"));
     EXPECT_EQ(LLONG_MAX, CUtil::a2l("9223372036854775807"));
-    EXPECT_EQ("Conversion from string to 'long long' failed, because the string is empty!",
-              failureOf([] { CUtil::a2l(""); }).first);
-    for (const char* bad : {"-1", "+5", " 5", "12 ", "0x10", "1.0"}) {
-        EXPECT_EQ(std::string("Integer expected: ") + bad, failureOf([&] { CUtil::a2l(bad); }).first);
-    }
-    EXPECT_EQ("Integer out of range: 99999999999999999999",
-              failureOf([] { CUtil::a2l("99999999999999999999"); }).first);
-    EXPECT_EQ("Integer out of range: 9223372036854775808",
-              failureOf([] { CUtil::a2l("9223372036854775808"); }).first);
-}
-
-TEST(CUtilTextToNumbers, AOrHex2lReadsLowerCasePrefixOnly)
-{
     EXPECT_EQ(255, CUtil::aOrHex2l("0xfF"));
     EXPECT_EQ(0, CUtil::aOrHex2l("0"));
     EXPECT_EQ(-1, CUtil::aOrHex2l("0xffffffffffffffff"));
     EXPECT_EQ(0x23456789abcdef01LL, CUtil::aOrHex2l("0x123456789abcdef01")); // leading digits lost
     EXPECT_EQ(17, CUtil::aOrHex2l("17"));
-
-    auto justPrefix = failureOf([] { CUtil::aOrHex2l("0x"); });
-    EXPECT_EQ("Not a valid hex number!", justPrefix.first);
-    EXPECT_EQ("  data:\n    number: 0x\n", justPrefix.second);
-
-    auto badChar = failureOf([] { CUtil::aOrHex2l("0xg"); });
-    EXPECT_EQ("Invalid character in hex number!", badChar.first);
-    EXPECT_EQ("  data:\n    number: 0xg\n    char: 103\n", badChar.second);
-
-    EXPECT_EQ("Integer expected: 0X10", failureOf([] { CUtil::aOrHex2l("0X10"); }).first);
-    EXPECT_EQ("Conversion from string to 'long long' failed, because the string is empty!",
-              failureOf([] { CUtil::aOrHex2l(""); }).first);
-}
-
-TEST(CUtilTextToNumbers, A2dNeedsTheWholeText)
-{
     EXPECT_DOUBLE_EQ(1.5, CUtil::a2d("1.5"));
     EXPECT_DOUBLE_EQ(-2e-3, CUtil::a2d("-2e-3"));
-    EXPECT_EQ("Conversion from string to double failed, because the string is empty!",
-              failureOf([] { CUtil::a2d(""); }).first);
-    auto trailing = failureOf([] { CUtil::a2d("1.5x"); });
-    EXPECT_EQ("Conversion from string to double failed, because string does not represent valid double value!",
-              trailing.first);
-    EXPECT_EQ("  data:\n    string: 1.5x\n", trailing.second);
-    EXPECT_EQ("Conversion from string to double failed, because string does not represent valid double value!",
-              failureOf([] { CUtil::a2d("abc"); }).first);
-    EXPECT_EQ("Integer out of range: 1e400", failureOf([] { CUtil::a2d("1e400"); }).first);
+}
+
+TEST(CUtilTextToNumbers, RefusedTextsNameTheText)
+{
+    const std::string noLong = "Conversion from string to 'long long' failed, because the string is empty!";
+    const std::string notDouble =
+        "Conversion from string to double failed, because string does not represent valid double value!";
+    enum Conversion { A2L, HEX, A2D };
+    const struct {
+        Conversion conversion;
+        const char* text;
+        std::string desc;
+        std::string data;
+    } rows[] = {
+        {A2L, "", noLong, ""},
+        {A2L, "-1", "Integer expected: -1", ""},
+        {A2L, "12 ", "Integer expected: 12 ", ""},
+        {A2L, "9223372036854775808", "Integer out of range: 9223372036854775808", ""},
+        {HEX, "", noLong, ""},
+        {HEX, "0X10", "Integer expected: 0X10", ""},
+        {HEX, "0x", "Not a valid hex number!", "  data:\n    number: 0x\n"},
+        {HEX, "0xg", "Invalid character in hex number!", "  data:\n    number: 0xg\n    char: 103\n"},
+        {A2D, "", "Conversion from string to double failed, because the string is empty!", ""},
+        {A2D, "1.5x", notDouble, "  data:\n    string: 1.5x\n"},
+        {A2D, "abc", notDouble, "  data:\n    string: abc\n"},
+        {A2D, "1e400", "Integer out of range: 1e400", ""},
+    };
+    for (const auto& row : rows) {
+        auto failure = failureOf([&] {
+            switch (row.conversion) {
+            case A2L: CUtil::a2l(row.text); break;
+            case HEX: CUtil::aOrHex2l(row.text); break;
+            case A2D: CUtil::a2d(row.text); break;
+            }
+        });
+        EXPECT_EQ(row.desc, failure.first) << row.text;
+        EXPECT_EQ(row.data, failure.second) << row.text;
+    }
 }
 
 TEST(CUtilText, TrimAndTrimEnd)
