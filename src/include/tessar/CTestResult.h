@@ -74,9 +74,7 @@ private:
     void serializeCodeProfiler(const Emitter& emitter, const StrStrMap& variables) const;
     void serializeDataProfiler(const Emitter& emitter, const StrStrMap& variables) const;
     void serializeOutputFile(const Emitter& emitter, const StrStrMap& variables) const;
-    void serializeCoverageErrors(const Emitter& emitter) const;
-    void serializeCodeProfilerErrors(const Emitter& emitter) const;
-    void serializeDataProfilerErrors(const Emitter& emitter) const;
+    void serializeErrors(const Emitter& emitter) const;
 
     StrVector m_expressionResults;
     StrCoverageTestResultsMap m_coverageResults;
