@@ -222,6 +222,18 @@ std::string CTestResult::toString() const
 
 void CTestResult::serialize(std::shared_ptr<IEmitter> emitter, std::shared_ptr<CTestReportConfig> reportConfig) const
 {
+    serializeReport(emitter, reportConfig, false);
+}
+
+void CTestResult::serializeErrorsOnly(std::shared_ptr<IEmitter> emitter,
+                                      std::shared_ptr<CTestReportConfig> reportConfig) const
+{
+    serializeReport(emitter, reportConfig, true);
+}
+
+void CTestResult::serializeReport(const Emitter& emitter, const ReportConfig& config,
+                                  bool isErrorsOnly) const
+{
     checkEmitter(emitter);
     emitter->mapStart();
     emitter->write("testResult");
@@ -229,6 +241,27 @@ void CTestResult::serialize(std::shared_ptr<IEmitter> emitter, std::shared_ptr<C
 
     emitter->writeMappingPair("testId", getTestId());
     emitter->writeMappingPair("function", getFunction());
+    if (isErrorsOnly) {
+        emitter->writeMappingPair("isError", m_isError);
+    } else {
+        serializeSummary(emitter);
+    }
+    serializeSpecAndEnvironment(emitter, config);
+    if (m_isExprError) {
+        serializeExpressions(emitter);
+    }
+    if (isErrorsOnly) {
+        serializeErrors(emitter);
+    } else {
+        serializeAnalyzers(emitter, config);
+    }
+
+    emitter->mapEnd();
+    emitter->mapEnd();
+}
+
+void CTestResult::serializeSummary(const Emitter& emitter) const
+{
     StrVector tags;
     if (m_testSpec) {
         m_testSpec->getTags(tags);
@@ -244,16 +277,14 @@ void CTestResult::serialize(std::shared_ptr<IEmitter> emitter, std::shared_ptr<C
     emitter->writeMappingPair("isCoverageError", m_isCoverageError);
     emitter->writeMappingPair("isProfilerCodeError", m_isProfilerCodeError);
     emitter->writeMappingPair("isProfilerDataError", m_isProfilerDataError);
+}
 
-    serializeSpecAndEnvironment(emitter, reportConfig);
-    if (m_isExprError) {
-        serializeExpressions(emitter);
-    }
-
+void CTestResult::serializeAnalyzers(const Emitter& emitter, const ReportConfig& config) const
+{
     // Without a report config there are no variables for the profiler's output file name.
     StrStrMap variables;
-    if (reportConfig) {
-        reportConfig->getUserInfo(variables);
+    if (config) {
+        config->getUserInfo(variables);
     }
     if (m_testSpec) {
         serializeTrace(emitter);
@@ -265,35 +296,9 @@ void CTestResult::serialize(std::shared_ptr<IEmitter> emitter, std::shared_ptr<C
     if (!m_profilerDataResults.empty()) {
         serializeDataProfiler(emitter, variables);
     }
-
-    emitter->mapEnd();
-    emitter->mapEnd();
 }
 
-void CTestResult::serializeErrorsOnly(std::shared_ptr<IEmitter> emitter,
-                                      std::shared_ptr<CTestReportConfig> reportConfig) const
-{
-    checkEmitter(emitter);
-    emitter->mapStart();
-    emitter->write("testResult");
-    emitter->mapStart();
-
-    emitter->writeMappingPair("testId", getTestId());
-    emitter->writeMappingPair("function", getFunction());
-    emitter->writeMappingPair("isError", m_isError);
-    serializeSpecAndEnvironment(emitter, reportConfig);
-
-    if (m_isExprError) {
-        serializeExpressions(emitter);
-    }
-    serializeErrors(emitter);
-
-    emitter->mapEnd();
-    emitter->mapEnd();
-}
-
-void CTestResult::serializeSpecAndEnvironment(const Emitter& emitter,
-                                              const std::shared_ptr<CTestReportConfig>& config) const
+void CTestResult::serializeSpecAndEnvironment(const Emitter& emitter, const ReportConfig& config) const
 {
     if (config && config->isIncludeTestSpec() && m_testSpec) {
         emitter->write("tests");

@@ -67,7 +67,12 @@ public:
 private:
     typedef std::shared_ptr<IEmitter> Emitter;
 
-    void serializeSpecAndEnvironment(const Emitter& emitter, const std::shared_ptr<CTestReportConfig>& config) const;
+    typedef std::shared_ptr<CTestReportConfig> ReportConfig;
+
+    void serializeReport(const Emitter& emitter, const ReportConfig& config, bool isErrorsOnly) const;
+    void serializeSummary(const Emitter& emitter) const;
+    void serializeAnalyzers(const Emitter& emitter, const ReportConfig& config) const;
+    void serializeSpecAndEnvironment(const Emitter& emitter, const ReportConfig& config) const;
     void serializeExpressions(const Emitter& emitter) const;
     void serializeTrace(const Emitter& emitter) const;
     void serializeCoverage(const Emitter& emitter) const;
