@@ -235,6 +235,8 @@ void CTestResult::serializeReport(const Emitter& emitter, const ReportConfig& co
                                   bool isErrorsOnly) const
 {
     checkEmitter(emitter);
+    // Resolved before anything is written: an unknown variable leaves no half-written report.
+    const std::string outputFile = isErrorsOnly ? std::string() : resolveOutputFile(config);
     emitter->mapStart();
     emitter->write("testResult");
     emitter->mapStart();
@@ -253,7 +255,7 @@ void CTestResult::serializeReport(const Emitter& emitter, const ReportConfig& co
     if (isErrorsOnly) {
         serializeErrors(emitter);
     } else {
-        serializeAnalyzers(emitter, config);
+        serializeAnalyzers(emitter, outputFile);
     }
 
     emitter->mapEnd();
@@ -279,22 +281,31 @@ void CTestResult::serializeSummary(const Emitter& emitter) const
     emitter->writeMappingPair("isProfilerDataError", m_isProfilerDataError);
 }
 
-void CTestResult::serializeAnalyzers(const Emitter& emitter, const ReportConfig& config) const
+std::string CTestResult::resolveOutputFile(const ReportConfig& config) const
 {
-    // Without a report config there are no variables for the profiler's output file name.
+    std::string name = m_testSpec ? m_testSpec->getProfiler().getOutputFileName() : std::string();
+    if (name.empty()) {
+        return name;
+    }
+    // Without a report config there are no variables.
     StrStrMap variables;
     if (config) {
         config->getUserInfo(variables);
     }
+    return CUtil::substVars(name, variables);
+}
+
+void CTestResult::serializeAnalyzers(const Emitter& emitter, const std::string& outputFile) const
+{
     if (m_testSpec) {
         serializeTrace(emitter);
     }
     if (!m_coverageResults.empty()) {
         serializeCoverage(emitter);
     }
-    serializeCodeProfiler(emitter, variables);
+    serializeCodeProfiler(emitter, outputFile);
     if (!m_profilerDataResults.empty()) {
-        serializeDataProfiler(emitter, variables);
+        serializeDataProfiler(emitter, outputFile);
     }
 }
 
@@ -368,19 +379,18 @@ void CTestResult::serializeCoverage(const Emitter& emitter) const
     emitter->mapEnd();
 }
 
-void CTestResult::serializeOutputFile(const Emitter& emitter, const StrStrMap& variables) const
+void CTestResult::serializeOutputFile(const Emitter& emitter, const std::string& outputFile) const
 {
-    std::string outputFile = m_testSpec ? m_testSpec->getProfiler().getOutputFileName() : std::string();
-    if (outputFile.empty()) {
+    if (!m_testSpec || m_testSpec->getProfiler().getOutputFileName().empty()) {
         return;
     }
     emitter->write("files");
     emitter->mapStart();
-    emitter->writeMappingPair("outputFile", CUtil::substVars(outputFile, variables));
+    emitter->writeMappingPair("outputFile", outputFile);
     emitter->mapEnd();
 }
 
-void CTestResult::serializeCodeProfiler(const Emitter& emitter, const StrStrMap& variables) const
+void CTestResult::serializeCodeProfiler(const Emitter& emitter, const std::string& outputFile) const
 {
     if (!m_testSpec) {
         return;
@@ -392,7 +402,7 @@ void CTestResult::serializeCodeProfiler(const Emitter& emitter, const StrStrMap&
     }
     emitter->write("codeProfiler");
     emitter->mapStart();
-    serializeOutputFile(emitter, variables);
+    serializeOutputFile(emitter, outputFile);
     if (hasResults) {
         emitter->write("results");
         writeNamedResults(emitter, m_profilerCodeResults, "function", false,
@@ -401,11 +411,11 @@ void CTestResult::serializeCodeProfiler(const Emitter& emitter, const StrStrMap&
     emitter->mapEnd();
 }
 
-void CTestResult::serializeDataProfiler(const Emitter& emitter, const StrStrMap& variables) const
+void CTestResult::serializeDataProfiler(const Emitter& emitter, const std::string& outputFile) const
 {
     emitter->write("dataProfiler");
     emitter->mapStart();
-    serializeOutputFile(emitter, variables);
+    serializeOutputFile(emitter, outputFile);
     emitter->write("results");
     writeNamedResults(emitter, m_profilerDataResults, "variable", false,
                       [&emitter](const ProfilerTestResultsVector& results) { writeDataValues(emitter, results, false); });
