@@ -417,8 +417,9 @@ void CTestResult::serializeDataProfiler(const Emitter& emitter, const std::strin
     emitter->mapStart();
     serializeOutputFile(emitter, outputFile);
     emitter->write("results");
-    writeNamedResults(emitter, m_profilerDataResults, "variable", false,
-                      [&emitter](const ProfilerTestResultsVector& results) { writeDataValues(emitter, results, false); });
+    writeNamedResults(emitter, m_profilerDataResults, "variable", false, [&emitter](const auto& results) {
+        writeDataValues(emitter, results, false);
+    });
     emitter->mapEnd();
 }
 
@@ -427,8 +428,9 @@ void CTestResult::serializeErrors(const Emitter& emitter) const
 {
     if (m_isCoverageError) {
         emitter->write("coverage");
-        writeNamedResults(emitter, m_coverageResults, "function", true,
-                          [&emitter](const CCoverageTestResult& result) { writeCoverageItemsInError(emitter, result); });
+        writeNamedResults(emitter, m_coverageResults, "function", true, [&emitter](const auto& result) {
+            writeCoverageItemsInError(emitter, result);
+        });
     }
     if (m_isProfilerCodeError) {
         emitter->write("codeProfiler");
@@ -437,8 +439,9 @@ void CTestResult::serializeErrors(const Emitter& emitter) const
     }
     if (m_isProfilerDataError) {
         emitter->write("dataProfiler");
-        writeNamedResults(emitter, m_profilerDataResults, "variable", true,
-                          [&emitter](const ProfilerTestResultsVector& results) { writeDataValues(emitter, results, true); });
+        writeNamedResults(emitter, m_profilerDataResults, "variable", true, [&emitter](const auto& results) {
+            writeDataValues(emitter, results, true);
+        });
     }
 }
 
