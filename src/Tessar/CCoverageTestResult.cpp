@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "IEmitter.h"
+#include "IllegalArgumentException.h"
 
 namespace kestrix {
 
@@ -64,10 +65,19 @@ long long asSignedCount(DWORD count)
     return static_cast<int32_t>(count);
 }
 
+// Managed callers may pass a null emitter.
+void checkEmitter(const std::shared_ptr<IEmitter>& emitter)
+{
+    if (!emitter) {
+        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
+    }
+}
+
 } // namespace
 
 void CCoverageTestResult::serialize(std::shared_ptr<IEmitter> emitter) const
 {
+    checkEmitter(emitter);
     emitter->writeMappingPair("isError", isError());
     emitter->writeMappingPair("isBytesExecutedError", isBytesExecutedError());
     emitter->writeMappingPair("isBranchesExecutedError", isBranchesExecutedError());
@@ -92,6 +102,7 @@ void CCoverageTestResult::serialize(std::shared_ptr<IEmitter> emitter) const
 void CCoverageTestResult::serializeCoverageData(std::shared_ptr<IEmitter> emitter, const std::string& key,
                                                 double expected, double measuredRel, long long measuredAbs)
 {
+    checkEmitter(emitter);
     emitter->write(key);
     emitter->mapStart();
     emitter->writeMappingPair("expected", expected);

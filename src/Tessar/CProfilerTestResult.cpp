@@ -3,6 +3,7 @@
 #include "CProfilerArea.h"
 #include "CUtil.h"
 #include "IEmitter.h"
+#include "IllegalArgumentException.h"
 
 namespace kestrix {
 
@@ -16,6 +17,14 @@ long long hitsOf(const CProfilerStatistic& entry) { return entry.getNumHits(); }
 bool isViolated(const MinMaxLimits& limits, long long value)
 {
     return limits.m_isDefined && CProfilerTestResult::validateValue(limits, value) != CProfilerTestResult::ERR_NONE;
+}
+
+// Managed callers may pass a null emitter.
+void checkEmitter(const std::shared_ptr<IEmitter>& emitter)
+{
+    if (!emitter) {
+        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
+    }
 }
 
 } // namespace
@@ -140,6 +149,7 @@ std::string CProfilerTestResult::statusToString(EResultStatus status)
 
 void CProfilerTestResult::serialize(std::shared_ptr<IEmitter> emitter) const
 {
+    checkEmitter(emitter);
     emitter->writeMappingPair("isError", isError());
     emitter->writeMappingPair("minTimeStatus", statusToString(validateMinTime()));
     emitter->writeMappingPair("maxTimeStatus", statusToString(validateMaxTime()));
@@ -150,6 +160,7 @@ void CProfilerTestResult::serialize(std::shared_ptr<IEmitter> emitter) const
 
 void CProfilerTestResult::serializeErrorsOnly(std::shared_ptr<IEmitter> emitter) const
 {
+    checkEmitter(emitter);
     ProfilerStatisticVector withError;
     getMeasuredResultsWithError(withError);
     serializeProfilerValues(emitter, withError, false);
@@ -158,6 +169,7 @@ void CProfilerTestResult::serializeErrorsOnly(std::shared_ptr<IEmitter> emitter)
 void CProfilerTestResult::serializeProfilerValues(std::shared_ptr<IEmitter> emitter,
                                                   const ProfilerStatisticVector& results, bool isAll) const
 {
+    checkEmitter(emitter);
     if (m_isValueSet) {
         emitter->writeMappingPair("specifiedValue", m_value);
     }
@@ -197,6 +209,7 @@ void CProfilerTestResult::serializeParameter(std::shared_ptr<IEmitter> emitter, 
                                              EResultStatus status, const MinMaxLimits& limits, long long measured,
                                              bool isAll)
 {
+    checkEmitter(emitter);
     if (!isAll && status == ERR_NONE) {
         emitter->writeMappingPair(key, true);
         return;

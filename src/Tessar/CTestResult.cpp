@@ -8,6 +8,7 @@
 #include "CUtil.h"
 #include "CYAMLUtil.h"
 #include "IEmitter.h"
+#include "IllegalArgumentException.h"
 
 namespace kestrix {
 
@@ -15,9 +16,67 @@ const char* const CTestResult::REPORT_VERSION = "1.0";
 
 namespace {
 
-bool hasErrorResult(const ProfilerTestResultsVector& results)
+bool isInError(const CCoverageTestResult& result) { return result.isError(); }
+bool isInError(const CProfilerTestResult& result) { return result.isError(); }
+bool isInError(const ProfilerTestResultsVector& results)
 {
     return std::any_of(results.begin(), results.end(), [](const CProfilerTestResult& r) { return r.isError(); });
+}
+
+template <typename Map>
+bool anyInError(const Map& results)
+{
+    return std::any_of(results.begin(), results.end(), [](const auto& entry) { return isInError(entry.second); });
+}
+
+template <typename Map>
+void copyInError(const Map& from, Map& to)
+{
+    to.clear();
+    for (const auto& entry : from) {
+        if (isInError(entry.second)) {
+            to.insert(entry);
+        }
+    }
+}
+
+/// Writes a sequence with one mapping per result, or per result in error: the pair `nameKey`
+/// with the result's name, then what `writeBody` writes for it.
+template <typename Map, typename Body>
+void writeNamedResults(const std::shared_ptr<IEmitter>& emitter, const Map& results, const char* nameKey,
+                       bool isErrorsOnly, Body writeBody)
+{
+    emitter->sequenceStart();
+    for (const auto& entry : results) {
+        if (!isErrorsOnly || isInError(entry.second)) {
+            emitter->mapStart();
+            emitter->writeMappingPair(nameKey, entry.first);
+            writeBody(entry.second);
+            emitter->mapEnd();
+        }
+    }
+    emitter->sequenceEnd();
+}
+
+/// The "values" of one variable of the data profiler: all results, or those in error.
+void writeDataValues(const std::shared_ptr<IEmitter>& emitter, const ProfilerTestResultsVector& results,
+                     bool isErrorsOnly)
+{
+    emitter->write("values");
+    emitter->sequenceStart();
+    for (const auto& result : results) {
+        if (isErrorsOnly && !result.isError()) {
+            continue;
+        }
+        emitter->mapStart();
+        if (isErrorsOnly) {
+            result.serializeErrorsOnly(emitter);
+        } else {
+            result.serialize(emitter);
+        }
+        emitter->mapEnd();
+    }
+    emitter->sequenceEnd();
 }
 
 /// Writes "document" and, if set, "exportFile" of an analyzer section under "files".
@@ -33,14 +92,44 @@ void writeDocumentFiles(const std::shared_ptr<IEmitter>& emitter, const std::str
     emitter->mapEnd();
 }
 
-void writeCoverageItemError(const std::shared_ptr<IEmitter>& emitter, const char* key, double expected,
-                            double measuredRel)
+// The five coverage items, for the short form, which names only those in error.
+const struct {
+    const char* key;
+    bool (CCoverageTestResult::*isError)() const;
+    double (CCoverageTestExpected::*expected)() const;
+    double (CCoverageStatistic::*measured)() const;
+} COVERAGE_ITEMS[] = {
+    {"bytesExecuted", &CCoverageTestResult::isBytesExecutedError, &CCoverageTestExpected::getBytesExecutedRel,
+     &CCoverageStatistic::getBytesExecutedRel},
+    {"branchesExecuted", &CCoverageTestResult::isBranchesExecutedError,
+     &CCoverageTestExpected::getBranchesExecutedRel, &CCoverageStatistic::getBranchesExecutedRel},
+    {"branchesTaken", &CCoverageTestResult::isBranchesTakenError, &CCoverageTestExpected::getBranchesTakenRel,
+     &CCoverageStatistic::getBranchesTakenRel},
+    {"branchesNotTaken", &CCoverageTestResult::isBranchesNotTakenError,
+     &CCoverageTestExpected::getBranchesNotTakenRel, &CCoverageStatistic::getBranchesNotTakenRel},
+    {"branchesBoth", &CCoverageTestResult::isBranchesBothError, &CCoverageTestExpected::getBranchesBothRel,
+     &CCoverageStatistic::getBranchesBothRel},
+};
+
+void writeCoverageItemsInError(const std::shared_ptr<IEmitter>& emitter, const CCoverageTestResult& result)
 {
-    emitter->write(key);
-    emitter->mapStart();
-    emitter->writeMappingPair("expected", expected);
-    emitter->writeMappingPair("measuredRel", measuredRel);
-    emitter->mapEnd();
+    CCoverageTestExpected expected = result.getExpectedResults();
+    CCoverageStatistic measured = result.getMeasuredResults();
+    for (const auto& item : COVERAGE_ITEMS) {
+        if ((result.*item.isError)()) {
+            // A negative count leaves out the absolute figure.
+            CCoverageTestResult::serializeCoverageData(emitter, item.key, (expected.*item.expected)(),
+                                                       (measured.*item.measured)(), -1);
+        }
+    }
+}
+
+// Managed callers may pass a null emitter.
+void checkEmitter(const std::shared_ptr<IEmitter>& emitter)
+{
+    if (!emitter) {
+        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
+    }
 }
 
 } // namespace
@@ -61,12 +150,9 @@ CTestResult::CTestResult(std::shared_ptr<CTestSpecification> testSpec, const Str
 {
     m_isExprError = std::any_of(m_expressionResults.begin(), m_expressionResults.end(),
                                 [](const std::string& result) { return !result.empty(); });
-    m_isCoverageError = std::any_of(m_coverageResults.begin(), m_coverageResults.end(),
-                                    [](const auto& entry) { return entry.second.isError(); });
-    m_isProfilerCodeError = std::any_of(m_profilerCodeResults.begin(), m_profilerCodeResults.end(),
-                                        [](const auto& entry) { return entry.second.isError(); });
-    m_isProfilerDataError = std::any_of(m_profilerDataResults.begin(), m_profilerDataResults.end(),
-                                        [](const auto& entry) { return hasErrorResult(entry.second); });
+    m_isCoverageError = anyInError(m_coverageResults);
+    m_isProfilerCodeError = anyInError(m_profilerCodeResults);
+    m_isProfilerDataError = anyInError(m_profilerDataResults);
     m_isError = m_isExprError || m_isCoverageError || m_isProfilerCodeError || m_isProfilerDataError;
 }
 
@@ -102,32 +188,17 @@ void CTestResult::getProfilerDataResults(StrProfilerTestResultsVectorMap& result
 
 void CTestResult::getCoverageResultsWithError(StrCoverageTestResultsMap& results) const
 {
-    results.clear();
-    for (const auto& entry : m_coverageResults) {
-        if (entry.second.isError()) {
-            results.insert(entry);
-        }
-    }
+    copyInError(m_coverageResults, results);
 }
 
 void CTestResult::getProfilerCodeResultsWithError(StrProfilerTestResultsMap& results) const
 {
-    results.clear();
-    for (const auto& entry : m_profilerCodeResults) {
-        if (entry.second.isError()) {
-            results.insert(entry);
-        }
-    }
+    copyInError(m_profilerCodeResults, results);
 }
 
 void CTestResult::getProfilerDataResultsWithError(StrProfilerTestResultsVectorMap& results) const
 {
-    results.clear();
-    for (const auto& entry : m_profilerDataResults) {
-        if (hasErrorResult(entry.second)) {
-            results.insert(entry);
-        }
-    }
+    copyInError(m_profilerDataResults, results);
 }
 
 void CTestResult::addEnvironmentInfo(const std::string& key, const std::string& value)
@@ -151,12 +222,48 @@ std::string CTestResult::toString() const
 
 void CTestResult::serialize(std::shared_ptr<IEmitter> emitter, std::shared_ptr<CTestReportConfig> reportConfig) const
 {
+    serializeReport(emitter, reportConfig, false);
+}
+
+void CTestResult::serializeErrorsOnly(std::shared_ptr<IEmitter> emitter,
+                                      std::shared_ptr<CTestReportConfig> reportConfig) const
+{
+    serializeReport(emitter, reportConfig, true);
+}
+
+void CTestResult::serializeReport(const Emitter& emitter, const ReportConfig& config,
+                                  bool isErrorsOnly) const
+{
+    checkEmitter(emitter);
+    // Resolved before anything is written: an unknown variable leaves no half-written report.
+    const std::string outputFile = isErrorsOnly ? std::string() : resolveOutputFile(config);
     emitter->mapStart();
     emitter->write("testResult");
     emitter->mapStart();
 
     emitter->writeMappingPair("testId", getTestId());
     emitter->writeMappingPair("function", getFunction());
+    if (isErrorsOnly) {
+        emitter->writeMappingPair("isError", m_isError);
+    } else {
+        serializeSummary(emitter);
+    }
+    serializeSpecAndEnvironment(emitter, config);
+    if (m_isExprError) {
+        serializeExpressions(emitter);
+    }
+    if (isErrorsOnly) {
+        serializeErrors(emitter);
+    } else {
+        serializeAnalyzers(emitter, outputFile);
+    }
+
+    emitter->mapEnd();
+    emitter->mapEnd();
+}
+
+void CTestResult::serializeSummary(const Emitter& emitter) const
+{
     StrVector tags;
     if (m_testSpec) {
         m_testSpec->getTags(tags);
@@ -172,65 +279,37 @@ void CTestResult::serialize(std::shared_ptr<IEmitter> emitter, std::shared_ptr<C
     emitter->writeMappingPair("isCoverageError", m_isCoverageError);
     emitter->writeMappingPair("isProfilerCodeError", m_isProfilerCodeError);
     emitter->writeMappingPair("isProfilerDataError", m_isProfilerDataError);
+}
 
-    serializeSpecAndEnvironment(emitter, reportConfig);
-    if (m_isExprError) {
-        serializeExpressions(emitter);
+std::string CTestResult::resolveOutputFile(const ReportConfig& config) const
+{
+    std::string name = m_testSpec ? m_testSpec->getProfiler().getOutputFileName() : std::string();
+    if (name.empty()) {
+        return name;
     }
-
-    // Without a report config there are no variables for the profiler's output file name.
+    // Without a report config there are no variables.
     StrStrMap variables;
-    if (reportConfig) {
-        reportConfig->getUserInfo(variables);
+    if (config) {
+        config->getUserInfo(variables);
     }
+    return CUtil::substVars(name, variables);
+}
+
+void CTestResult::serializeAnalyzers(const Emitter& emitter, const std::string& outputFile) const
+{
     if (m_testSpec) {
         serializeTrace(emitter);
     }
     if (!m_coverageResults.empty()) {
         serializeCoverage(emitter);
     }
-    serializeCodeProfiler(emitter, variables);
+    serializeCodeProfiler(emitter, outputFile);
     if (!m_profilerDataResults.empty()) {
-        serializeDataProfiler(emitter, variables);
+        serializeDataProfiler(emitter, outputFile);
     }
-
-    emitter->mapEnd();
-    emitter->mapEnd();
 }
 
-void CTestResult::serializeErrorsOnly(std::shared_ptr<IEmitter> emitter,
-                                      std::shared_ptr<CTestReportConfig> reportConfig) const
-{
-    emitter->mapStart();
-    emitter->write("testResult");
-    emitter->mapStart();
-
-    emitter->writeMappingPair("testId", getTestId());
-    emitter->writeMappingPair("function", getFunction());
-    emitter->writeMappingPair("isError", m_isError);
-    serializeSpecAndEnvironment(emitter, reportConfig);
-
-    if (m_isError) {
-        if (m_isExprError) {
-            serializeExpressions(emitter);
-        }
-        if (m_isCoverageError) {
-            serializeCoverageErrors(emitter);
-        }
-        if (m_isProfilerCodeError) {
-            serializeCodeProfilerErrors(emitter);
-        }
-        if (m_isProfilerDataError) {
-            serializeDataProfilerErrors(emitter);
-        }
-    }
-
-    emitter->mapEnd();
-    emitter->mapEnd();
-}
-
-void CTestResult::serializeSpecAndEnvironment(const Emitter& emitter,
-                                              const std::shared_ptr<CTestReportConfig>& config) const
+void CTestResult::serializeSpecAndEnvironment(const Emitter& emitter, const ReportConfig& config) const
 {
     if (config && config->isIncludeTestSpec() && m_testSpec) {
         emitter->write("tests");
@@ -295,30 +374,23 @@ void CTestResult::serializeCoverage(const Emitter& emitter) const
         writeDocumentFiles(emitter, "", "");
     }
     emitter->write("results");
-    emitter->sequenceStart();
-    for (const auto& entry : m_coverageResults) {
-        emitter->mapStart();
-        emitter->writeMappingPair("function", entry.first);
-        entry.second.serialize(emitter);
-        emitter->mapEnd();
-    }
-    emitter->sequenceEnd();
+    writeNamedResults(emitter, m_coverageResults, "function", false,
+                      [&emitter](const CCoverageTestResult& result) { result.serialize(emitter); });
     emitter->mapEnd();
 }
 
-void CTestResult::serializeOutputFile(const Emitter& emitter, const StrStrMap& variables) const
+void CTestResult::serializeOutputFile(const Emitter& emitter, const std::string& outputFile) const
 {
-    std::string outputFile = m_testSpec ? m_testSpec->getProfiler().getOutputFileName() : std::string();
-    if (outputFile.empty()) {
+    if (!m_testSpec || m_testSpec->getProfiler().getOutputFileName().empty()) {
         return;
     }
     emitter->write("files");
     emitter->mapStart();
-    emitter->writeMappingPair("outputFile", CUtil::substVars(outputFile, variables));
+    emitter->writeMappingPair("outputFile", outputFile);
     emitter->mapEnd();
 }
 
-void CTestResult::serializeCodeProfiler(const Emitter& emitter, const StrStrMap& variables) const
+void CTestResult::serializeCodeProfiler(const Emitter& emitter, const std::string& outputFile) const
 {
     if (!m_testSpec) {
         return;
@@ -330,122 +402,47 @@ void CTestResult::serializeCodeProfiler(const Emitter& emitter, const StrStrMap&
     }
     emitter->write("codeProfiler");
     emitter->mapStart();
-    serializeOutputFile(emitter, variables);
+    serializeOutputFile(emitter, outputFile);
     if (hasResults) {
         emitter->write("results");
-        emitter->sequenceStart();
-        for (const auto& entry : m_profilerCodeResults) {
-            emitter->mapStart();
-            emitter->writeMappingPair("function", entry.first);
-            entry.second.serialize(emitter);
-            emitter->mapEnd();
-        }
-        emitter->sequenceEnd();
+        writeNamedResults(emitter, m_profilerCodeResults, "function", false,
+                          [&emitter](const CProfilerTestResult& result) { result.serialize(emitter); });
     }
     emitter->mapEnd();
 }
 
-void CTestResult::serializeDataProfiler(const Emitter& emitter, const StrStrMap& variables) const
+void CTestResult::serializeDataProfiler(const Emitter& emitter, const std::string& outputFile) const
 {
     emitter->write("dataProfiler");
     emitter->mapStart();
-    serializeOutputFile(emitter, variables);
+    serializeOutputFile(emitter, outputFile);
     emitter->write("results");
-    emitter->sequenceStart();
-    for (const auto& variable : m_profilerDataResults) {
-        emitter->mapStart();
-        emitter->writeMappingPair("variable", variable.first);
-        emitter->write("values");
-        emitter->sequenceStart();
-        for (const auto& result : variable.second) {
-            emitter->mapStart();
-            result.serialize(emitter);
-            emitter->mapEnd();
-        }
-        emitter->sequenceEnd();
-        emitter->mapEnd();
-    }
-    emitter->sequenceEnd();
+    writeNamedResults(emitter, m_profilerDataResults, "variable", false, [&emitter](const auto& results) {
+        writeDataValues(emitter, results, false);
+    });
     emitter->mapEnd();
 }
 
-void CTestResult::serializeCoverageErrors(const Emitter& emitter) const
+// The short form lists the results in error directly under the analyzer's key.
+void CTestResult::serializeErrors(const Emitter& emitter) const
 {
-    emitter->write("coverage");
-    emitter->sequenceStart();
-    for (const auto& entry : m_coverageResults) {
-        const CCoverageTestResult& result = entry.second;
-        if (!result.isError()) {
-            continue;
-        }
-        CCoverageTestExpected expected = result.getExpectedResults();
-        CCoverageStatistic measured = result.getMeasuredResults();
-        emitter->mapStart();
-        emitter->writeMappingPair("function", entry.first);
-        if (result.isBytesExecutedError()) {
-            writeCoverageItemError(emitter, "bytesExecuted", expected.getBytesExecutedRel(),
-                                   measured.getBytesExecutedRel());
-        }
-        if (result.isBranchesExecutedError()) {
-            writeCoverageItemError(emitter, "branchesExecuted", expected.getBranchesExecutedRel(),
-                                   measured.getBranchesExecutedRel());
-        }
-        if (result.isBranchesTakenError()) {
-            writeCoverageItemError(emitter, "branchesTaken", expected.getBranchesTakenRel(),
-                                   measured.getBranchesTakenRel());
-        }
-        if (result.isBranchesNotTakenError()) {
-            writeCoverageItemError(emitter, "branchesNotTaken", expected.getBranchesNotTakenRel(),
-                                   measured.getBranchesNotTakenRel());
-        }
-        if (result.isBranchesBothError()) {
-            writeCoverageItemError(emitter, "branchesBoth", expected.getBranchesBothRel(),
-                                   measured.getBranchesBothRel());
-        }
-        emitter->mapEnd();
+    if (m_isCoverageError) {
+        emitter->write("coverage");
+        writeNamedResults(emitter, m_coverageResults, "function", true, [&emitter](const auto& result) {
+            writeCoverageItemsInError(emitter, result);
+        });
     }
-    emitter->sequenceEnd();
-}
-
-void CTestResult::serializeCodeProfilerErrors(const Emitter& emitter) const
-{
-    emitter->write("codeProfiler");
-    emitter->sequenceStart();
-    for (const auto& entry : m_profilerCodeResults) {
-        if (!entry.second.isError()) {
-            continue;
-        }
-        emitter->mapStart();
-        emitter->writeMappingPair("function", entry.first);
-        entry.second.serializeErrorsOnly(emitter);
-        emitter->mapEnd();
+    if (m_isProfilerCodeError) {
+        emitter->write("codeProfiler");
+        writeNamedResults(emitter, m_profilerCodeResults, "function", true,
+                          [&emitter](const CProfilerTestResult& result) { result.serializeErrorsOnly(emitter); });
     }
-    emitter->sequenceEnd();
-}
-
-void CTestResult::serializeDataProfilerErrors(const Emitter& emitter) const
-{
-    emitter->write("dataProfiler");
-    emitter->sequenceStart();
-    for (const auto& variable : m_profilerDataResults) {
-        if (!hasErrorResult(variable.second)) {
-            continue;
-        }
-        emitter->mapStart();
-        emitter->writeMappingPair("variable", variable.first);
-        emitter->write("values");
-        emitter->sequenceStart();
-        for (const auto& result : variable.second) {
-            if (result.isError()) {
-                emitter->mapStart();
-                result.serializeErrorsOnly(emitter);
-                emitter->mapEnd();
-            }
-        }
-        emitter->sequenceEnd();
-        emitter->mapEnd();
+    if (m_isProfilerDataError) {
+        emitter->write("dataProfiler");
+        writeNamedResults(emitter, m_profilerDataResults, "variable", true, [&emitter](const auto& results) {
+            writeDataValues(emitter, results, true);
+        });
     }
-    emitter->sequenceEnd();
 }
 
 } // namespace kestrix

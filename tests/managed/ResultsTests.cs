@@ -94,6 +94,8 @@ public static class ResultsTests {
       Check.Equal("t1", result.getTestSpecification().getTestId());
       Check.Throws<ArgumentNullException>(() => new CCoverageTestResult(null, new CCoverageStatistic()));
       Check.Throws<ArgumentNullException>(() => new CTestResult(null, null));
+      var refused = Check.Throws<ApplicationException>(() => result.serialize(null, null));
+      Check.True(refused != null && refused.Message.StartsWith("Emitter must not be null!"), "null emitter refused");
     });
   }
 }

@@ -1,22 +1,19 @@
+#include <functional>
+
 #include <gtest/gtest.h>
 
 #include "CProfilerArea.h"
-#include "CStringStream.h"
+#include "CTestCoverageStatistics.h"
 #include "CTestResult.h"
 #include "CTestSpecification.h"
 #include "CYAMLUtil.h"
-#include "EmitterFactory.h"
+#include "IllegalArgumentException.h"
 
 using namespace kestrix;
 
-// Flags, queries and text form of the result of one test.
+// Queries and text form of the result of one test; the flags are checked in the reports.
 
 namespace {
-
-std::shared_ptr<CTestSpecification> spec()
-{
-    return CTestSpecification::parseTestSpec("{id: t1, func: [add]}");
-}
 
 CProfilerTestResult profilerResult(const MinMaxLimits& hits, DWORD measuredHits)
 {
@@ -26,40 +23,11 @@ CProfilerTestResult profilerResult(const MinMaxLimits& hits, DWORD measuredHits)
     return CProfilerTestResult(area, CProfilerStatistic(0, 0, 0, 0, 0, measuredHits), true);
 }
 
-std::string yaml(const CTestResult& result)
-{
-    auto stream = std::make_shared<CStringStream>();
-    auto emitter = EmitterFactory::createYamlEmitter(stream);
-    emitter->startStream();
-    emitter->startDocument(true);
-    result.serialize(emitter, nullptr);
-    emitter->endDocument(true);
-    emitter->endStream();
-    return stream->getString();
-}
-
 } // namespace
 
-TEST(CTestResultTest, ExpressionsThatHeldAreNoError)
+TEST(CTestResultTest, ExceptionResultAsText)
 {
-    CTestResult result(spec(), StrVector{"", ""}, {}, {}, {});
-    EXPECT_FALSE(result.isError());
-    EXPECT_EQ("t1", result.getTestId());
-
-    CTestResult failed(spec(), StrVector{"", "x == 1\n    x = 0"}, {}, {}, {});
-    EXPECT_TRUE(failed.isError());
-    EXPECT_TRUE(failed.isExpressionError());
-    StrVector copy{"old"};
-    failed.getExpressionResults(copy);
-    EXPECT_EQ((StrVector{"", "x == 1\n    x = 0"}), copy);
-}
-
-TEST(CTestResultTest, ExceptionResult)
-{
-    CTestResult result(spec(), "Lost connection!");
-    EXPECT_TRUE(result.isError());
-    EXPECT_TRUE(result.isException());
-    EXPECT_FALSE(result.isExpressionError());
+    CTestResult result(CTestSpecification::parseTestSpec("{id: t1, func: [add]}"), "Lost connection!");
     EXPECT_EQ("Lost connection!", result.getExceptionString());
     EXPECT_EQ("CTestResult:\n"
               "  isError: 1\n"
@@ -72,68 +40,59 @@ TEST(CTestResultTest, ExceptionResult)
               result.toString());
 }
 
-TEST(CTestResultTest, EachAnalyzerSetsItsOwnFlag)
+TEST(CTestResultTest, ResultsWithErrorReplaceTheArgument)
 {
-    StrCoverageTestResultsMap coverage{
-        {"bad", CCoverageTestResult(CCoverageTestExpected(), CCoverageStatistic())},
-        {"good", CCoverageTestResult()}};
-    CTestResult noCoverageError(spec(), StrVector(), coverage, {}, {});
-    EXPECT_FALSE(noCoverageError.isError());
-    StrCoverageTestResultsMap coverageWithError{{"stale", CCoverageTestResult()}};
-    noCoverageError.getCoverageResultsWithError(coverageWithError);
-    EXPECT_TRUE(coverageWithError.empty());
+    CTestCoverageStatistics all(nullptr);
+    CYAMLUtil::parseYAML(all, "{code: 100}");
+    CTestResult result(nullptr, StrVector{"", "x == 1\n    x = 0"},
+                       {{"half", CCoverageTestResult(CCoverageTestExpected(all), {8, 4, 0, 0, 0, 0, 0})},
+                        {"none", CCoverageTestResult(CCoverageTestExpected(all), CCoverageStatistic())}},
+                       {{"f", profilerResult(MinMaxLimits(2, 3), 1)}, {"g", profilerResult(MinMaxLimits(0, 3), 1)}},
+                       {{"a", {profilerResult(MinMaxLimits(0, 1), 1), profilerResult(MinMaxLimits(0, 1), 2)}},
+                        {"b", {profilerResult(MinMaxLimits(0, 1), 1)}}});
 
-    StrProfilerTestResultsMap code{{"f", profilerResult(MinMaxLimits(2, 3), 1)},
-                                   {"g", profilerResult(MinMaxLimits(0, 3), 1)}};
-    CTestResult codeError(spec(), StrVector(), {}, code, {});
-    EXPECT_TRUE(codeError.isError());
-    EXPECT_TRUE(codeError.isProfilerCodeError());
-    EXPECT_FALSE(codeError.isProfilerDataError());
-    EXPECT_FALSE(codeError.isCodeCoverageError());
-    EXPECT_FALSE(codeError.isExpressionError());
+    StrVector expressions{"old"};
+    result.getExpressionResults(expressions);
+    EXPECT_EQ((StrVector{"", "x == 1\n    x = 0"}), expressions);
 
-    StrProfilerTestResultsMap withError;
-    codeError.getProfilerCodeResultsWithError(withError);
-    ASSERT_EQ(1u, withError.size());
-    EXPECT_EQ("f", withError.begin()->first);
-    StrProfilerTestResultsMap all;
-    codeError.getProfilerCodeResults(all);
-    EXPECT_EQ(2u, all.size());
+    // Nothing in range is no coverage error.
+    StrCoverageTestResultsMap coverage{{"stale", CCoverageTestResult()}};
+    result.getCoverageResultsWithError(coverage);
+    ASSERT_EQ(1u, coverage.size());
+    EXPECT_EQ("half", coverage.begin()->first);
+
+    StrProfilerTestResultsMap code{{"stale", CProfilerTestResult()}};
+    result.getProfilerCodeResultsWithError(code);
+    ASSERT_EQ(1u, code.size());
+    EXPECT_EQ("f", code.begin()->first);
+
+    // A variable in error keeps its whole list.
+    StrProfilerTestResultsVectorMap data{{"stale", {}}};
+    result.getProfilerDataResultsWithError(data);
+    ASSERT_EQ(1u, data.size());
+    EXPECT_EQ(2u, data["a"].size());
 }
 
-TEST(CTestResultTest, DataResultsWithErrorKeepTheWholeList)
+TEST(CTestResultTest, NullEmitterIsRefused)
 {
-    StrProfilerTestResultsVectorMap data{
-        {"a", {profilerResult(MinMaxLimits(0, 1), 1), profilerResult(MinMaxLimits(0, 1), 2)}},
-        {"b", {profilerResult(MinMaxLimits(0, 1), 1)}}};
-    CTestResult result(spec(), StrVector(), {}, {}, data);
-    EXPECT_TRUE(result.isProfilerDataError());
-    EXPECT_FALSE(result.isProfilerCodeError());
-
-    StrProfilerTestResultsVectorMap withError{{"stale", {}}};
-    result.getProfilerDataResultsWithError(withError);
-    ASSERT_EQ(1u, withError.size());
-    EXPECT_EQ(2u, withError["a"].size());
-}
-
-TEST(CTestResultTest, ResultWithoutSpecificationHasEmptyIdentity)
-{
-    CTestResult result(nullptr, "no test");
-    EXPECT_EQ("", result.getTestId());
-    EXPECT_EQ("", result.getFunction());
-    EXPECT_EQ(nullptr, result.getTestSpecification());
-    EXPECT_EQ("testResult:\n"
-              "  testId:\n"
-              "  function:\n"
-              "  description:\n"
-              "  tags:\n"
-              "  reportVersion: 1.0\n"
-              "  isError: true\n"
-              "  isExprError: false\n"
-              "  isException: true\n"
-              "  exceptionStr: no test\n"
-              "  isCoverageError: false\n"
-              "  isProfilerCodeError: false\n"
-              "  isProfilerDataError: false\n",
-              yaml(result));
+    CTestResult result(nullptr, "failed");
+    CProfilerTestResult profiler;
+    const std::function<void()> calls[] = {
+        [&] { result.serialize(nullptr, nullptr); },
+        [&] { result.serializeErrorsOnly(nullptr, nullptr); },
+        [] { CCoverageTestResult().serialize(nullptr); },
+        [] { CCoverageTestResult::serializeCoverageData(nullptr, "k", 0, 0, 0); },
+        [&] { profiler.serialize(nullptr); },
+        [&] { profiler.serializeErrorsOnly(nullptr); },
+        [&] { profiler.serializeProfilerValues(nullptr, {}, true); },
+        [] { CProfilerTestResult::serializeParameter(nullptr, "k", CProfilerTestResult::ERR_NONE, {}, 0, true); },
+    };
+    for (const auto& call : calls) {
+        try {
+            call();
+            ADD_FAILURE() << "no exception";
+        } catch (const IllegalArgumentException& e) {
+            EXPECT_EQ("Emitter must not be null!", e.getDesc());
+        }
+    }
 }

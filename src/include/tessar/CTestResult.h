@@ -67,16 +67,21 @@ public:
 private:
     typedef std::shared_ptr<IEmitter> Emitter;
 
-    void serializeSpecAndEnvironment(const Emitter& emitter, const std::shared_ptr<CTestReportConfig>& config) const;
+    typedef std::shared_ptr<CTestReportConfig> ReportConfig;
+
+    void serializeReport(const Emitter& emitter, const ReportConfig& config, bool isErrorsOnly) const;
+    void serializeSummary(const Emitter& emitter) const;
+    /// The profiler's output file name with the report config's user variables in place.
+    std::string resolveOutputFile(const ReportConfig& config) const;
+    void serializeAnalyzers(const Emitter& emitter, const std::string& outputFile) const;
+    void serializeSpecAndEnvironment(const Emitter& emitter, const ReportConfig& config) const;
     void serializeExpressions(const Emitter& emitter) const;
     void serializeTrace(const Emitter& emitter) const;
     void serializeCoverage(const Emitter& emitter) const;
-    void serializeCodeProfiler(const Emitter& emitter, const StrStrMap& variables) const;
-    void serializeDataProfiler(const Emitter& emitter, const StrStrMap& variables) const;
-    void serializeOutputFile(const Emitter& emitter, const StrStrMap& variables) const;
-    void serializeCoverageErrors(const Emitter& emitter) const;
-    void serializeCodeProfilerErrors(const Emitter& emitter) const;
-    void serializeDataProfilerErrors(const Emitter& emitter) const;
+    void serializeCodeProfiler(const Emitter& emitter, const std::string& outputFile) const;
+    void serializeDataProfiler(const Emitter& emitter, const std::string& outputFile) const;
+    void serializeOutputFile(const Emitter& emitter, const std::string& outputFile) const;
+    void serializeErrors(const Emitter& emitter) const;
 
     StrVector m_expressionResults;
     StrCoverageTestResultsMap m_coverageResults;
