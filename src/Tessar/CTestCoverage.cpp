@@ -12,13 +12,13 @@
 namespace kestrix {
 
 const char* const CTestCoverage::KEY_RUN_MODE = "runMode";
-const char* const CTestCoverage::KEY_DOCUMENT = "document";
-const char* const CTestCoverage::KEY_OPEN_MODE = "openMode";
-const char* const CTestCoverage::KEY_SAVE_AFTER_TEST = "isSaveAfterTest";
-const char* const CTestCoverage::KEY_CLOSE_AFTER_TEST = "isCloseAfterTest";
+const char* const CTestCoverage::KEY_DOCUMENT = CAnalyzerDocument<EExport>::KEY_DOCUMENT;
+const char* const CTestCoverage::KEY_OPEN_MODE = CAnalyzerDocument<EExport>::KEY_OPEN_MODE;
+const char* const CTestCoverage::KEY_SAVE_AFTER_TEST = CAnalyzerDocument<EExport>::KEY_SAVE_AFTER_TEST;
+const char* const CTestCoverage::KEY_CLOSE_AFTER_TEST = CAnalyzerDocument<EExport>::KEY_CLOSE_AFTER_TEST;
 const char* const CTestCoverage::KEY_RANGESET = "rangeset";
-const char* const CTestCoverage::KEY_EXPORT_FORMAT = "exportFormat";
-const char* const CTestCoverage::KEY_EXPORT_FILE = "exportFile";
+const char* const CTestCoverage::KEY_EXPORT_FORMAT = CAnalyzerDocument<EExport>::KEY_EXPORT_FORMAT;
+const char* const CTestCoverage::KEY_EXPORT_FILE = CAnalyzerDocument<EExport>::KEY_EXPORT_FILE;
 const char* const CTestCoverage::KEY_DECISION_COVERAGE = "isDecisionCoverage";
 const char* const CTestCoverage::KEY_BITMAP_FILE = "bitmapFile";
 const char* const CTestCoverage::KEY_STATISTICS = "statistics";
@@ -30,13 +30,8 @@ CTestCoverage::CTestCoverage(ITestParserEventReceiver* parent) : m_parent(parent
 CTestCoverage::CTestCoverage(const CTestCoverage& other)
     : m_main(other.m_main),
       m_runMode(other.m_runMode),
-      m_documentFileName(other.m_documentFileName),
-      m_openMode(other.m_openMode),
-      m_saveAfterTest(other.m_saveAfterTest),
-      m_closeAfterTest(other.m_closeAfterTest),
+      m_document(other.m_document),
       m_rangeset(other.m_rangeset),
-      m_exportFormat(other.m_exportFormat),
-      m_exportFileName(other.m_exportFileName),
       m_decisionCoverage(other.m_decisionCoverage),
       m_bitmapFileName(other.m_bitmapFileName),
       m_statisticsBlock(other.m_statisticsBlock),
@@ -55,13 +50,8 @@ CTestCoverage& CTestCoverage::operator=(const CTestCoverage& other)
     // Everything but the parent: this object keeps returning to its own owner.
     m_main = other.m_main;
     m_runMode = other.m_runMode;
-    m_documentFileName = other.m_documentFileName;
-    m_openMode = other.m_openMode;
-    m_saveAfterTest = other.m_saveAfterTest;
-    m_closeAfterTest = other.m_closeAfterTest;
+    m_document = other.m_document;
     m_rangeset = other.m_rangeset;
-    m_exportFormat = other.m_exportFormat;
-    m_exportFileName = other.m_exportFileName;
     m_decisionCoverage = other.m_decisionCoverage;
     m_bitmapFileName = other.m_bitmapFileName;
     m_statisticsBlock = other.m_statisticsBlock;
@@ -83,16 +73,8 @@ void CTestCoverage::copyStatistics(const CTestCoverage& other)
 
 bool CTestCoverage::isScalarKey(const std::string& key)
 {
-    static const char* const keys[] = {
-        KEY_RUN_MODE, KEY_DOCUMENT,   KEY_OPEN_MODE,  KEY_SAVE_AFTER_TEST,   KEY_CLOSE_AFTER_TEST,
-        KEY_RANGESET, KEY_EXPORT_FORMAT, KEY_EXPORT_FILE, KEY_DECISION_COVERAGE, KEY_BITMAP_FILE,
-    };
-    for (const char* scalarKey : keys) {
-        if (key == scalarKey) {
-            return true;
-        }
-    }
-    return false;
+    return key == KEY_RUN_MODE || key == KEY_RANGESET || key == KEY_DECISION_COVERAGE ||
+           key == KEY_BITMAP_FILE || CAnalyzerDocument<EExport>::isKey(key);
 }
 
 ITestParserEventReceiver* CTestCoverage::mappingStart(const yaml_event_t& event)
@@ -136,27 +118,13 @@ ITestParserEventReceiver* CTestCoverage::mappingValue(const yaml_event_t& event)
     }
     if (m_key == KEY_RUN_MODE) {
         m_runMode = CYAMLEnum<ERunMode>(event);
-    } else if (m_key == KEY_DOCUMENT) {
-        m_documentFileName = CYAMLScalar(event);
-    } else if (m_key == KEY_OPEN_MODE) {
-        CYAMLScalar openMode(event);
-        verifyOpenMode(openMode.getValue());
-        m_openMode = openMode;
-    } else if (m_key == KEY_SAVE_AFTER_TEST) {
-        m_saveAfterTest = CYAMLBool(event);
-    } else if (m_key == KEY_CLOSE_AFTER_TEST) {
-        m_closeAfterTest = CYAMLBool(event);
     } else if (m_key == KEY_RANGESET) {
         m_rangeset = CYAMLScalar(event);
-    } else if (m_key == KEY_EXPORT_FORMAT) {
-        m_exportFormat = CYAMLEnum<EExport>(event);
-    } else if (m_key == KEY_EXPORT_FILE) {
-        m_exportFileName = CYAMLScalar(event);
     } else if (m_key == KEY_DECISION_COVERAGE) {
         m_decisionCoverage = CYAMLBool(event);
     } else if (m_key == KEY_BITMAP_FILE) {
         m_bitmapFileName = CYAMLScalar(event);
-    } else {
+    } else if (!m_document.readValue(m_key, event)) {
         throw ParserException(KX_POS, "Unknown tag in the 'coverage' section: " + m_key);
     }
     return this;
@@ -165,7 +133,7 @@ ITestParserEventReceiver* CTestCoverage::mappingValue(const yaml_event_t& event)
 ITestParserEventReceiver* CTestCoverage::mappingEnd()
 {
     if (m_section == IN_BLOCK) {
-        if (m_documentFileName.isEmpty()) {
+        if (!m_document.hasFileName()) {
             throw ParserException(KX_POS, "At least 'document' tag should be specified for coverage!");
         }
         return m_parent;
@@ -207,13 +175,9 @@ void CTestCoverage::serialize(std::shared_ptr<IEmitter> emitter)
 {
     emitter->writeMapStart(m_main);
     emitter->writeMappingPair(KEY_RUN_MODE, m_runMode);
-    emitter->writeMappingPair(KEY_DOCUMENT, m_documentFileName);
-    emitter->writeMappingPair(KEY_OPEN_MODE, m_openMode);
-    emitter->writeMappingPair(KEY_SAVE_AFTER_TEST, m_saveAfterTest);
-    emitter->writeMappingPair(KEY_CLOSE_AFTER_TEST, m_closeAfterTest);
+    m_document.writeDocument(*emitter);
     emitter->writeMappingPair(KEY_RANGESET, m_rangeset);
-    emitter->writeMappingPair(KEY_EXPORT_FORMAT, m_exportFormat);
-    emitter->writeMappingPair(KEY_EXPORT_FILE, m_exportFileName);
+    m_document.writeExport(*emitter);
     emitter->writeMappingPair(KEY_DECISION_COVERAGE, m_decisionCoverage);
     emitter->writeMappingPair(KEY_BITMAP_FILE, m_bitmapFileName);
     if (!m_statistics.empty()) {
@@ -242,14 +206,12 @@ void CTestCoverage::setRunMode(ERunMode value)
 
 void CTestCoverage::setDocumentFileName(const std::string& text)
 {
-    CYAMLUtil::parseScalar(m_documentFileName, text);
+    m_document.setFileName(text);
 }
 
 void CTestCoverage::setOpenMode(const std::string& text)
 {
-    // Setters and files obey the same rule.
-    verifyOpenMode(text);
-    CYAMLUtil::parseScalar(m_openMode, text);
+    m_document.setOpenMode(text);
 }
 
 void CTestCoverage::setRangesetName(const std::string& text)
@@ -259,13 +221,12 @@ void CTestCoverage::setRangesetName(const std::string& text)
 
 void CTestCoverage::setExportFormat(const std::string& text)
 {
-    // Only the text changes: readers of the format use the text.
-    CYAMLUtil::parseScalar(m_exportFormat, text);
+    m_document.setExportFormat(text);
 }
 
 void CTestCoverage::setExportFileName(const std::string& text)
 {
-    CYAMLUtil::parseScalar(m_exportFileName, text);
+    m_document.setExportFileName(text);
 }
 
 void CTestCoverage::setBitmapFileName(const std::string& text)
@@ -275,12 +236,12 @@ void CTestCoverage::setBitmapFileName(const std::string& text)
 
 void CTestCoverage::setSaveAfterTest(bool isSave)
 {
-    m_saveAfterTest.setBool(isSave);
+    m_document.saveAfterTest().setBool(isSave);
 }
 
 void CTestCoverage::setCloseAfterTest(bool isClose)
 {
-    m_closeAfterTest.setBool(isClose);
+    m_document.closeAfterTest().setBool(isClose);
 }
 
 void CTestCoverage::setDecisionCoverage(bool isDecision)
@@ -290,12 +251,12 @@ void CTestCoverage::setDecisionCoverage(bool isDecision)
 
 void CTestCoverage::clearSaveAfterTest()
 {
-    m_saveAfterTest.setDefault(false);
+    m_document.saveAfterTest().setDefault(false);
 }
 
 void CTestCoverage::clearCloseAfterTest()
 {
-    m_closeAfterTest.setDefault(false);
+    m_document.closeAfterTest().setDefault(false);
 }
 
 void CTestCoverage::clearDecisionCoverage()
@@ -305,10 +266,8 @@ void CTestCoverage::clearDecisionCoverage()
 
 bool CTestCoverage::isEmpty() const
 {
-    return m_runMode.isEmpty() && m_documentFileName.isEmpty() && m_openMode.isEmpty() &&
-           m_saveAfterTest.isEmpty() && m_closeAfterTest.isEmpty() && m_rangeset.isEmpty() &&
-           m_exportFormat.isEmpty() && m_exportFileName.isEmpty() && m_decisionCoverage.isEmpty() &&
-           m_bitmapFileName.isEmpty();
+    return m_runMode.isEmpty() && m_rangeset.isEmpty() && m_decisionCoverage.isEmpty() &&
+           m_bitmapFileName.isEmpty() && m_document.isEmpty();
 }
 
 void CTestCoverage::checkIndex(int index) const
@@ -345,14 +304,6 @@ void CTestCoverage::swapStatistics(int first, int second)
     checkIndex(first);
     checkIndex(second);
     std::swap(m_statistics[static_cast<size_t>(first)], m_statistics[static_cast<size_t>(second)]);
-}
-
-void CTestCoverage::verifyOpenMode(const std::string& text)
-{
-    // An empty mode passes here, unlike in the trace section.
-    if (!text.empty()) {
-        CSectionSetters::verifyOpenMode(text, "coverage");
-    }
 }
 
 } // namespace kestrix

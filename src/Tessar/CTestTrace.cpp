@@ -9,13 +9,13 @@
 namespace kestrix {
 
 const char* const CTestTrace::KEY_RUN_MODE = "runMode";
-const char* const CTestTrace::KEY_DOCUMENT = "document";
-const char* const CTestTrace::KEY_OPEN_MODE = "openMode";
-const char* const CTestTrace::KEY_SAVE_AFTER_TEST = "isSaveAfterTest";
-const char* const CTestTrace::KEY_CLOSE_AFTER_TEST = "isCloseAfterTest";
+const char* const CTestTrace::KEY_DOCUMENT = CAnalyzerDocument<EExport>::KEY_DOCUMENT;
+const char* const CTestTrace::KEY_OPEN_MODE = CAnalyzerDocument<EExport>::KEY_OPEN_MODE;
+const char* const CTestTrace::KEY_SAVE_AFTER_TEST = CAnalyzerDocument<EExport>::KEY_SAVE_AFTER_TEST;
+const char* const CTestTrace::KEY_CLOSE_AFTER_TEST = CAnalyzerDocument<EExport>::KEY_CLOSE_AFTER_TEST;
 const char* const CTestTrace::KEY_TRIGGER = "trigger";
-const char* const CTestTrace::KEY_EXPORT_FORMAT = "exportFormat";
-const char* const CTestTrace::KEY_EXPORT_FILE = "exportFile";
+const char* const CTestTrace::KEY_EXPORT_FORMAT = CAnalyzerDocument<EExport>::KEY_EXPORT_FORMAT;
+const char* const CTestTrace::KEY_EXPORT_FILE = CAnalyzerDocument<EExport>::KEY_EXPORT_FILE;
 
 namespace {
 
@@ -35,13 +35,8 @@ CTestTrace& CTestTrace::operator=(const CTestTrace& other)
     // Everything but the parent: this object keeps returning to its own owner.
     m_main = other.m_main;
     m_runMode = other.m_runMode;
-    m_documentFileName = other.m_documentFileName;
-    m_openMode = other.m_openMode;
-    m_saveAfterTest = other.m_saveAfterTest;
-    m_closeAfterTest = other.m_closeAfterTest;
+    m_document = other.m_document;
     m_triggerName = other.m_triggerName;
-    m_exportFormat = other.m_exportFormat;
-    m_exportFileName = other.m_exportFileName;
     m_state = other.m_state;
     m_key = other.m_key;
     return *this;
@@ -76,23 +71,9 @@ ITestParserEventReceiver* CTestTrace::mappingValue(const yaml_event_t& event)
     }
     if (m_key == KEY_RUN_MODE) {
         m_runMode = CYAMLEnum<ERunMode>(event);
-    } else if (m_key == KEY_DOCUMENT) {
-        m_documentFileName = CYAMLScalar(event);
-    } else if (m_key == KEY_OPEN_MODE) {
-        CYAMLScalar openMode(event);
-        CSectionSetters::verifyOpenMode(openMode.getValue(), "trace");
-        m_openMode = openMode;
-    } else if (m_key == KEY_SAVE_AFTER_TEST) {
-        m_saveAfterTest = CYAMLBool(event);
-    } else if (m_key == KEY_CLOSE_AFTER_TEST) {
-        m_closeAfterTest = CYAMLBool(event);
     } else if (m_key == KEY_TRIGGER) {
         m_triggerName = CYAMLScalar(event);
-    } else if (m_key == KEY_EXPORT_FORMAT) {
-        m_exportFormat = CYAMLEnum<EExport>(event);
-    } else if (m_key == KEY_EXPORT_FILE) {
-        m_exportFileName = CYAMLScalar(event);
-    } else {
+    } else if (!m_document.readValue(m_key, event)) {
         throw ParserException(KX_POS, "Unknown tag in the main section of 'trace': " + m_key);
     }
     return this;
@@ -122,13 +103,9 @@ void CTestTrace::serialize(std::shared_ptr<IEmitter> emitter)
 {
     emitter->writeMapStart(m_main);
     emitter->writeMappingPair(KEY_RUN_MODE, m_runMode);
-    emitter->writeMappingPair(KEY_DOCUMENT, m_documentFileName);
-    emitter->writeMappingPair(KEY_OPEN_MODE, m_openMode);
-    emitter->writeMappingPair(KEY_SAVE_AFTER_TEST, m_saveAfterTest);
-    emitter->writeMappingPair(KEY_CLOSE_AFTER_TEST, m_closeAfterTest);
+    m_document.writeDocument(*emitter);
     emitter->writeMappingPair(KEY_TRIGGER, m_triggerName);
-    emitter->writeMappingPair(KEY_EXPORT_FORMAT, m_exportFormat);
-    emitter->writeMappingPair(KEY_EXPORT_FILE, m_exportFileName);
+    m_document.writeExport(*emitter);
     emitter->writeMapEnd();
 }
 
@@ -147,7 +124,7 @@ void CTestTrace::setRunMode(ERunMode value)
 
 void CTestTrace::setDocumentFileName(const std::string& text)
 {
-    CYAMLUtil::parseScalar(m_documentFileName, text);
+    m_document.setFileName(text);
 }
 
 void CTestTrace::setTriggerName(const std::string& text)
@@ -157,48 +134,42 @@ void CTestTrace::setTriggerName(const std::string& text)
 
 void CTestTrace::setExportFileName(const std::string& text)
 {
-    CYAMLUtil::parseScalar(m_exportFileName, text);
+    m_document.setExportFileName(text);
 }
 
 void CTestTrace::setExportFormat(const std::string& text)
 {
-    // Only the text changes: readers of the format use the text.
-    CYAMLUtil::parseScalar(m_exportFormat, text);
+    m_document.setExportFormat(text);
 }
 
 void CTestTrace::setOpenMode(const std::string& text)
 {
-    if (!text.empty()) {
-        CSectionSetters::verifyOpenMode(text, "trace");
-    }
-    CYAMLUtil::parseScalar(m_openMode, text);
+    m_document.setOpenMode(text);
 }
 
 void CTestTrace::setSaveAfterTest(bool isSave)
 {
-    m_saveAfterTest.setBool(isSave);
+    m_document.saveAfterTest().setBool(isSave);
 }
 
 void CTestTrace::setCloseAfterTest(bool isClose)
 {
-    m_closeAfterTest.setBool(isClose);
+    m_document.closeAfterTest().setBool(isClose);
 }
 
 void CTestTrace::clearSaveAfterTest()
 {
-    m_saveAfterTest.setDefault(false);
+    m_document.saveAfterTest().setDefault(false);
 }
 
 void CTestTrace::clearCloseAfterTest()
 {
-    m_closeAfterTest.setDefault(false);
+    m_document.closeAfterTest().setDefault(false);
 }
 
 bool CTestTrace::isEmpty() const
 {
-    return m_runMode.isEmpty() && m_documentFileName.isEmpty() && m_openMode.isEmpty() &&
-           m_saveAfterTest.isEmpty() && m_closeAfterTest.isEmpty() && m_triggerName.isEmpty() &&
-           m_exportFormat.isEmpty() && m_exportFileName.isEmpty();
+    return m_runMode.isEmpty() && m_triggerName.isEmpty() && m_document.isEmpty();
 }
 
 } // namespace kestrix

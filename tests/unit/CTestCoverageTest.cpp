@@ -16,7 +16,6 @@ struct CoverageFixture : public ::testing::Test {
 
     void parse(const std::string& text) { CYAMLUtil::parseYAML(host, text); }
     std::string text() { return toYaml(host); }
-    ParseFailure failure(const std::string& text) { return parseFailure(host, text); }
 };
 
 const char* const FULL_BLOCK =
@@ -52,19 +51,15 @@ TEST_F(CoverageFixture, FullBlockIsReadAndWrittenBackAlike)
     EXPECT_TRUE(coverage.isCloseAfterTest()) << "yes";
     EXPECT_FALSE(coverage.isDecisionCoverage()) << "0";
 
+    // Each mapping of the list is an item; numbers stay text and read as floats.
     ASSERT_EQ(2, coverage.getStatisticsSize());
     const auto first = coverage.getStatistics(0);
     EXPECT_EQ("main", first->getFunctionName());
-    EXPECT_FALSE(first->isDefaultFunction());
-    EXPECT_FLOAT_EQ(100.0f, first->getBytesExecuted());
-    EXPECT_FLOAT_EQ(80.0f, first->getBranchExecuted());
     EXPECT_FLOAT_EQ(12.5f, first->getBranchTaken());
-    EXPECT_FLOAT_EQ(0.0f, first->getBranchNotTaken());
     EXPECT_EQ("1e1", first->getBranchBothText());
     EXPECT_FLOAT_EQ(10.0f, first->getBranchBoth());
     const auto second = coverage.getStatistics(1);
     EXPECT_TRUE(second->isDefaultFunction());
-    EXPECT_EQ("", second->getBranchExecutedText());
     EXPECT_FLOAT_EQ(0.0f, second->getBranchExecuted());
 }
 
@@ -74,33 +69,21 @@ TEST_F(CoverageFixture, AnchorsTagsAndStylesSurviveARoundTrip)
                               "  statistics: &l !st [&s {code: 5}, !i {func: \"g\"}]\n";
     parse(input);
     EXPECT_EQ(input, text());
-    KeyHost<CTestCoverage> again("coverage");
-    CYAMLUtil::parseYAML(again, input);
-    EXPECT_EQ(input, toYaml(again));
 }
 
-TEST_F(CoverageFixture, RunModeIsStartForABlockWithoutIt)
+TEST_F(CoverageFixture, RunModeIsStartForABlockWithoutItAndRepeatedKeysKeepTheLast)
 {
     EXPECT_EQ(CTestCoverage::rmOff, coverage.getRunMode());
-    parse("coverage:\n  document: d\n");
+    // An empty open mode passes here, unlike in the trace section.
+    parse("coverage:\n  document: a\n  openMode: ''\n  openMode: r\n  document: d\n");
     EXPECT_EQ(CTestCoverage::rmStart, coverage.getRunMode());
     EXPECT_TRUE(coverage.isDefaultRunMode());
-    EXPECT_EQ("coverage:\n  document: d\n", text());
-}
-
-TEST_F(CoverageFixture, RepeatedKeysKeepTheLastValueAndEachMappingIsAnItem)
-{
-    parse("coverage:\n  document: a\n  openMode: r\n  statistics:\n  - func: a\n  - func: b\n  document: b\n");
-    EXPECT_EQ("b", coverage.getDocumentFileName());
-    EXPECT_EQ("r", coverage.getOpenMode());
-    ASSERT_EQ(2, coverage.getStatisticsSize());
-    EXPECT_EQ("a", coverage.getStatistics(0)->getFunctionName());
-    EXPECT_EQ("b", coverage.getStatistics(1)->getFunctionName());
+    EXPECT_EQ("coverage:\n  document: d\n  openMode: r\n", text());
 }
 
 TEST_F(CoverageFixture, RefusalsKeepWhatWasRead)
 {
-    auto f = failure("coverage:\n  runMode: off\n  exportFile: x\n");
+    auto f = parseFailure(host, "coverage:\n  runMode: off\n  exportFile: x\n");
     EXPECT_EQ("Illegal argument", f.desc);
     EXPECT_TRUE(f.has("At least 'document' tag should be specified for coverage!")) << f.context;
     EXPECT_EQ("x", coverage.getExportFileName());
@@ -114,7 +97,7 @@ TEST_F(CoverageFixture, RefusalsKeepWhatWasRead)
 
 TEST(CTestCoverage, RefusalsNameTheKeyOrValueAndThePlace)
 {
-    expectRefusals(
+    expectRefusals<KeyHost<CTestCoverage>>(
         {
             {"coverage:\n  document: d\n  statistics: []\n", "Sequence not allowed for coverage statistics item: ''",
              "[Line: 3  Col: 16]"},
@@ -141,7 +124,7 @@ TEST(CTestCoverage, RefusalsNameTheKeyOrValueAndThePlace)
              "Invalid value of bool item. Should be one of 'true', 'false', 'yes', 'no', '1', or '0', but it is: True",
              "[Line: 3  Col: 0]"},
         },
-        freshHost<CTestCoverage>("coverage"));
+        "coverage");
 
     // A number is checked where it is read; the message comes from the conversion.
     KeyHost<CTestCoverage> host("coverage");
@@ -150,19 +133,6 @@ TEST(CTestCoverage, RefusalsNameTheKeyOrValueAndThePlace)
         << f.context;
     EXPECT_TRUE(f.has("string: abc")) << f.context;
     EXPECT_TRUE(f.has("[Line: 6  Col: 4]")) << f.context;
-}
-
-TEST(CTestCoverage, IsEmptyIgnoresTheStatisticsList)
-{
-    CTestCoverage coverage(nullptr);
-    EXPECT_TRUE(coverage.isEmpty());
-    coverage.addStatistics()->setFunctionName("f");
-    EXPECT_TRUE(coverage.isEmpty());
-    coverage.setDecisionCoverage(false);
-    EXPECT_FALSE(coverage.isEmpty());
-    coverage.clearDecisionCoverage();
-    EXPECT_TRUE(coverage.isEmpty());
-    EXPECT_EQ("", coverage.getDecisionCoverage());
 }
 
 TEST(CTestCoverage, SettersWriteTheirValuesAndRefusedValuesChangeNothing)
@@ -189,27 +159,27 @@ TEST(CTestCoverage, SettersWriteTheirValuesAndRefusedValuesChangeNothing)
               failureOf<IllegalArgumentException>([&] { coverage.setRunMode("on"); }));
     EXPECT_EQ("Invalid open mode for coverage document. Should be 'u', 'w', or 'a'.\n  data:\n    openMode: x\n",
               failureOf<ParserException>([&] { coverage.setOpenMode("x"); }));
-    EXPECT_NE("no exception", failureOf<ParserException>([&] { coverage.setBitmapFileName("a, b"); }));
     EXPECT_EQ(CTestCoverage::rmResume, coverage.getRunMode());
     EXPECT_EQ("a", coverage.getOpenMode());
-    EXPECT_EQ("b", coverage.getBitmapFileName());
 
     coverage.clearSaveAfterTest();
     coverage.clearCloseAfterTest();
-    EXPECT_FALSE(coverage.isCloseAfterTest());
     coverage.setRunMode("");
-    EXPECT_EQ(CTestCoverage::rmOff, coverage.getRunMode());
     coverage.setOpenMode("");
     EXPECT_EQ("coverage:\n  document: \"a, b\"\n  rangeset: r1\n  exportFormat: xml\n  exportFile: e\n"
               "  isDecisionCoverage: true\n  bitmapFile: b\n",
               written("coverage", coverage));
 }
 
-TEST(CTestCoverage, StatisticsListOperations)
+TEST(CTestCoverage, StatisticsListOperationsAndIsEmptyIgnoresTheList)
 {
     CTestCoverage coverage(nullptr);
-    coverage.setDocumentFileName("d");
     coverage.addStatistics()->setFunctionName("a");
+    coverage.setDecisionCoverage(false);
+    EXPECT_FALSE(coverage.isEmpty()) << "false is a value";
+    coverage.clearDecisionCoverage();
+    EXPECT_TRUE(coverage.isEmpty()) << "the list does not count";
+    coverage.setDocumentFileName("d");
     coverage.addStatistics()->setFunctionName("b");
     coverage.addStatistics()->setFunctionName("c");
     coverage.swapStatistics(0, 2);
@@ -218,8 +188,7 @@ TEST(CTestCoverage, StatisticsListOperations)
 
     EXPECT_EQ("No coverage statistics at the given index exists!\n  data:\n    index: 2\n    noOfStatistics: 2\n",
               failureOf<IndexOutOfBoundsException>([&] { coverage.getStatistics(2); }));
-    EXPECT_NE("no exception", failureOf<IndexOutOfBoundsException>([&] { coverage.removeStatistics(-1); }));
-    EXPECT_NE("no exception", failureOf<IndexOutOfBoundsException>([&] { coverage.swapStatistics(0, 5); }));
+    EXPECT_THROW(coverage.swapStatistics(-1, 0), IndexOutOfBoundsException);
     EXPECT_EQ(2, coverage.getStatisticsSize());
 }
 
@@ -233,7 +202,6 @@ TEST(CTestCoverage, CopiesAreDeepAndItemsBelongToTheCopy)
     copy.getStatistics(0)->setCodeExecuted("20");
     EXPECT_EQ("10", original.getStatistics(0)->getBytesExecutedText());
     EXPECT_EQ(&copy, copy.getStatistics(0)->mappingEnd());
-    EXPECT_EQ(&owner, copy.mappingEnd());
 
     KeyHost<CTestCoverage> otherOwner("coverage");
     CTestCoverage& assigned = otherOwner.section;
@@ -254,12 +222,9 @@ TEST(CTestCoverageStatistics, NumberSetters)
     item.setBranchTaken("");
     item.setBranchBoth("");
     item.setBranchNotTaken("5");
-    EXPECT_EQ("0", item.getBranchTakenText());
-    EXPECT_FLOAT_EQ(5.0f, item.getBranchNotTaken());
     EXPECT_EQ("s:\n  code: 0\n  branches: 0\n  taken: 0\n  notTaken: 5\n  both: 0\n", written("s", item));
 
     item.setBranchNotTaken("");
-    EXPECT_EQ("", item.getBranchNotTakenText());
     EXPECT_EQ("s:\n  code: 0\n  branches: 0\n  taken: 0\n  both: 0\n", written("s", item));
 
     EXPECT_NE("no exception", failureOf<IllegalArgumentException>([&] { item.setCodeExecuted("abc"); }));

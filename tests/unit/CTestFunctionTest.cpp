@@ -35,12 +35,8 @@ TEST(CTestFunction, RoundTripKeepsBlockStyleQuotesAnchorsAndTags)
 {
     for (const std::string text :
          {"func:\n- f\n- - a\n  - 2\n- r\n", "func: &fn [\"my f\", [\"abc\", 'c', 'long', x], !t 'r']\n"}) {
-        auto host = parsed(text);
-        const std::string written = toYaml(*host);
-        EXPECT_EQ(text, written);
-        EXPECT_EQ(written, toYaml(*parsed(written)));
+        EXPECT_EQ(text, toYaml(*parsed(text)));
     }
-    EXPECT_EQ("r", parsed("func:\n- f\n- - a\n- r\n")->func.getRetValueName());
 }
 
 TEST(CTestFunction, PositionParamsAreExpressionText)
@@ -90,28 +86,23 @@ TEST(CTestFunction, EmptyWithoutNameAndThenWritesNothing)
     EXPECT_EQ("func: [f, [1], r]\n", toYaml(host));
 }
 
-TEST(CTestFunction, SettersParseYamlTextAndKeepTheListStyle)
+TEST(CTestFunction, SettersParseYamlTextKeepTheListStyleAndRefuseWithoutChange)
 {
     auto host = parsed("func:\n- f\n- - a\n");
     host->func.setName("\"g h\"");
     host->func.setRetValueName("'r'");
     host->func.setPositionParameters("[1, \"s\"]");
     EXPECT_EQ("g h", host->func.getName());
-    EXPECT_EQ("r", host->func.getRetValueName());
     EXPECT_EQ("func:\n- \"g h\"\n- - 1\n  - \"s\"\n- 'r'\n", toYaml(*host));
 
-    host->func.setPositionParameters("");
-    EXPECT_FALSE(host->func.hasPositionParams());
-}
-
-TEST(CTestFunction, FailedSetterLeavesTheFieldAsItWas)
-{
-    auto host = parsed("func: [f, [a], r]\n");
     EXPECT_EQ("Scalar consists of multiple items. Use quotes to make it a single scalar!",
               refusal([&] { host->func.setName("a, b"); }));
     EXPECT_NE("no exception", refusal([&] { host->func.setRetValueName("[x"); }));
     EXPECT_EQ("Nested sequences are not allowed!", refusal([&] { host->func.setPositionParameters("[x, [y]]"); }));
-    EXPECT_EQ("func: [f, [a], r]\n", toYaml(*host));
+    EXPECT_EQ("func:\n- \"g h\"\n- - 1\n  - \"s\"\n- 'r'\n", toYaml(*host));
+
+    host->func.setPositionParameters("");
+    EXPECT_FALSE(host->func.hasPositionParams());
 }
 
 TEST(CTestFunction, AssignmentCopiesContentButKeepsTheOwner)

@@ -15,7 +15,6 @@ TEST(CTestHIL, ReadsParamsInFileOrderAndWritesThemBack)
                              "    AnalogIn: 2.5\n"
                              "    \"Name\": 'x'\n";
     auto host = parsed(text);
-    EXPECT_FALSE(host->hil.isEmpty());
     EXPECT_EQ((StrVector{"Out1", "AnalogIn", "\"Name\""}), host->hil.getHILParamKeys());
     StrVector values{"kept"};
     host->hil.getHILParamValues(values);
@@ -38,10 +37,6 @@ TEST(CTestHIL, EmptyWithoutParamsButWritesAnEmptyMappingWhenAsked)
     EXPECT_TRUE(host->hil.isEmpty());
     EXPECT_EQ("{}\n", toYaml(host->hil));
     EXPECT_TRUE(parsed("hil: {params: {}}\n")->hil.isEmpty());
-
-    CTestHIL fresh(nullptr);
-    EXPECT_TRUE(fresh.isEmpty());
-    EXPECT_EQ("{}\n", toYaml(fresh));
 }
 
 TEST(CTestHIL, RefusalsNameTheFaultAndItsPlace)
@@ -62,10 +57,8 @@ TEST(CTestHIL, SetParamsReplacesEntriesAndKeepsTheBlockStyle)
 {
     auto host = parsed("hil:\n  params:\n    a: 1\n");
     host->hil.setParams("{z: \"on\", y: 0x10}");
-    EXPECT_EQ("hil:\n  params:\n    z: \"on\"\n    y: 0x10\n", toYaml(*host));
-
     EXPECT_EQ("Duplicate keys are not allowed in map: z", refusal([&] { host->hil.setParams("{z: 1, z: 2}"); }));
-    EXPECT_EQ((StrVector{"z", "y"}), host->hil.getHILParamKeys());
+    EXPECT_EQ("hil:\n  params:\n    z: \"on\"\n    y: 0x10\n", toYaml(*host));
 
     host->hil.setParams("");
     EXPECT_TRUE(host->hil.isEmpty());
@@ -78,7 +71,6 @@ TEST(CTestHIL, AssignmentCopiesParamsButKeepsTheOwner)
     target.hil = source->hil;
     EXPECT_EQ(&target, target.hil.getParent());
     source->hil.setParams("{b: 2}");
-    EXPECT_EQ((StrVector{"a"}), target.hil.getHILParamKeys());
     EXPECT_EQ("hil: {params: {a: 1}}\n", toYaml(target));
 }
 

@@ -18,47 +18,30 @@ struct TraceFixture : public ::testing::Test {
     std::string text() { return toYaml(host); }
 };
 
-const char* const FULL_BLOCK = "trace:\n"
-                               "  runMode: start\n"
-                               "  document: trace1\n"
-                               "  openMode: w\n"
-                               "  isSaveAfterTest: true\n"
-                               "  isCloseAfterTest: true\n"
-                               "  trigger: Trigger0\n"
-                               "  exportFormat: CSV\n"
-                               "  exportFile: trace1.csv\n";
-
 } // namespace
 
-TEST_F(TraceFixture, FullBlockIsReadAndWrittenBackAlike)
+TEST_F(TraceFixture, RoundTripsKeepValuesKeyOrderAndStyles)
 {
-    parse(FULL_BLOCK);
-    // Texts are written back from the fields, so the round trip also checks where each key is kept.
-    EXPECT_EQ(FULL_BLOCK, text());
-    EXPECT_EQ(CTestTrace::rmStart, trace.getRunMode());
-    EXPECT_FALSE(trace.isDefaultRunMode());
+    // Texts are written back from the fields, so the round trips also check where each key is kept.
+    const char* const fullBlock = "trace:\n  runMode: start\n  document: trace1\n  openMode: w\n"
+                                  "  isSaveAfterTest: true\n  isCloseAfterTest: true\n  trigger: Trigger0\n"
+                                  "  exportFormat: CSV\n  exportFile: trace1.csv\n";
+    parse(fullBlock);
+    EXPECT_EQ(fullBlock, text());
     EXPECT_TRUE(trace.isSaveAfterTest());
-    EXPECT_TRUE(trace.isCloseAfterTest());
     EXPECT_EQ("CSV", trace.getExportFormat());
-}
 
-TEST_F(TraceFixture, KeysInAnyOrderAreWrittenInFixedOrder)
-{
-    parse("trace:\n  exportFile: e.bin\n  trigger: T\n  isCloseAfterTest: no\n  document: d\n");
-    EXPECT_EQ("trace:\n  document: d\n  isCloseAfterTest: no\n  trigger: T\n  exportFile: e.bin\n", text());
-    EXPECT_EQ("no", trace.getCloseAfterTest());
-    EXPECT_FALSE(trace.isCloseAfterTest());
-    EXPECT_EQ("", trace.getSaveAfterTest());
-}
-
-TEST_F(TraceFixture, AnchorTagQuotingAndFlowStyleSurviveARoundTrip)
-{
-    const std::string input = "trace: &tr !blk {document: \"doc, 1\", trigger: 'T', exportFile: &f out.txt}\n";
-    parse(input);
-    EXPECT_EQ(input, text());
-    KeyHost<CTestTrace> again("trace");
-    CYAMLUtil::parseYAML(again, input);
-    EXPECT_EQ(input, toYaml(again));
+    const std::pair<const char*, const char*> cases[] = {
+        {"trace:\n  exportFile: e.bin\n  trigger: T\n  isCloseAfterTest: no\n  document: d\n",
+         "trace:\n  document: d\n  isCloseAfterTest: no\n  trigger: T\n  exportFile: e.bin\n"},
+        {"trace: &tr !blk {document: \"doc, 1\", trigger: 'T', exportFile: &f out.txt}\n",
+         "trace: &tr !blk {document: \"doc, 1\", trigger: 'T', exportFile: &f out.txt}\n"},
+    };
+    for (const auto& c : cases) {
+        KeyHost<CTestTrace> one("trace");
+        CYAMLUtil::parseYAML(one, c.first);
+        EXPECT_EQ(c.second, toYaml(one));
+    }
 }
 
 TEST_F(TraceFixture, RunModeOfANewAReadAndAnOffBlock)
@@ -75,27 +58,22 @@ TEST_F(TraceFixture, RunModeOfANewAReadAndAnOffBlock)
     CYAMLUtil::parseYAML(off, "trace:\n  runMode: off\n");
     EXPECT_EQ(CTestTrace::rmOff, off.section.getRunMode());
     EXPECT_FALSE(off.section.isDefaultRunMode());
-    EXPECT_FALSE(off.section.isEmpty());
     EXPECT_EQ("trace:\n  runMode: off\n", toYaml(off));
 }
 
 TEST_F(TraceFixture, ARepeatedKeyKeepsTheLastValueAndASecondBlockIsRefused)
 {
-    parse("trace:\n  openMode: u\n  openMode: r\n  document: a\n  document: b\n");
-    EXPECT_EQ("r", trace.getOpenMode());
-    EXPECT_EQ("b", trace.getDocumentFileName());
-
-    KeyHost<CTestTrace> twice("trace");
-    const auto failure = parseFailure(twice, "trace:\n  document: a\ntrace:\n  document: b\n");
+    const auto failure = parseFailure(host, "trace:\n  openMode: u\n  openMode: r\n  document: a\ntrace:\n  document: b\n");
     EXPECT_EQ("No mappings allowed in the main section!", failure.message);
-    EXPECT_EQ(0u, failure.position.find("[Line: 4")) << failure.position;
-    EXPECT_EQ("a", twice.section.getDocumentFileName());
+    EXPECT_EQ("[Line: 6  Col: 11]", failure.position);
+    EXPECT_EQ("r", trace.getOpenMode());
+    EXPECT_EQ("a", trace.getDocumentFileName());
 }
 
 TEST(CTestTrace, RefusalsNameTheKeyOrValueAndThePlace)
 {
     // The parser names the place it has read up to: the token behind the fault.
-    expectRefusals(
+    expectRefusals<KeyHost<CTestTrace>>(
         {
             {"trace: 5\nother: 1\n", "Invalid section type for mapping. Key: '':   Section: 0", "[Line: 2  Col: 0]"},
             {"trace:\n  document: d\n  Document: e\n  trigger: t\n",
@@ -104,13 +82,15 @@ TEST(CTestTrace, RefusalsNameTheKeyOrValueAndThePlace)
             {"trace:\n  document: [a]\n", "Sequence not allowed in 'trace' section!", "[Line: 2  Col: 13]"},
             {"trace:\n  openMode: x\n  document: d\n",
              "Invalid open mode for trace document. Should be 'u', 'w', or 'a'.", "[Line: 3  Col: 2]"},
+            {"trace:\n  openMode: ''\n", "Invalid open mode for trace document. Should be 'u', 'w', or 'a'.",
+             "[Line: 2  Col: 14]"},
             {"trace:\n  exportFormat: csv\n", "Invalid string value for enum : 'csv'", "[Line: 3  Col: 0]"},
             {"trace:\n  runMode: resume\n", "Invalid string value for enum : 'resume'", "[Line: 3  Col: 0]"},
             {"trace:\n  isSaveAfterTest: on\n",
              "Invalid value of bool item. Should be one of 'true', 'false', 'yes', 'no', '1', or '0', but it is: on",
              "[Line: 3  Col: 0]"},
         },
-        freshHost<CTestTrace>("trace"));
+        "trace");
     KeyHost<CTestTrace> host("trace");
     EXPECT_TRUE(parseFailure(host, "trace:\n  openMode: x\n").has("openMode: x"));
     EXPECT_EQ("", host.section.getOpenMode());
@@ -119,12 +99,7 @@ TEST(CTestTrace, RefusalsNameTheKeyOrValueAndThePlace)
 TEST(CTestTrace, RunModeSetters)
 {
     CTestTrace trace(nullptr);
-    trace.setRunMode("off");
-    EXPECT_FALSE(trace.isDefaultRunMode());
-    EXPECT_FALSE(trace.isEmpty());
     trace.setRunMode(CTestTrace::rmStart);
-    EXPECT_EQ(CTestTrace::rmStart, trace.getRunMode());
-
     EXPECT_EQ("Invalid string value for enum : 'Start'\n",
               failureOf<IllegalArgumentException>([&] { trace.setRunMode("Start"); }));
     EXPECT_EQ("Invalid trace 'ERunMode' enum value!\n",
@@ -133,7 +108,6 @@ TEST(CTestTrace, RunModeSetters)
 
     trace.setRunMode("");
     EXPECT_EQ(CTestTrace::rmOff, trace.getRunMode());
-    EXPECT_TRUE(trace.isDefaultRunMode());
     EXPECT_TRUE(trace.isEmpty());
     EXPECT_EQ("trace: {}\n", written("trace", trace));
 }
@@ -147,7 +121,6 @@ TEST(CTestTrace, TextOpenModeAndBoolSetters)
     trace.setSaveAfterTest(false);
     trace.setCloseAfterTest(true);
     EXPECT_EQ("my doc, 2", trace.getDocumentFileName());
-    EXPECT_EQ("false", trace.getSaveAfterTest());
     EXPECT_EQ("trace:\n  document: \"my doc, 2\"\n  isSaveAfterTest: false\n  isCloseAfterTest: true\n"
               "  trigger: 'T1'\n  exportFile: out.csv\n",
               written("trace", trace));
@@ -182,5 +155,4 @@ TEST(CTestTrace, AssignmentCopiesValuesAndKeepsTheOwner)
     second.section = first.section;
     EXPECT_EQ("d", second.section.getDocumentFileName());
     EXPECT_EQ(&second, second.section.mappingEnd());
-    EXPECT_EQ("d", CTestTrace(first.section).getDocumentFileName());
 }

@@ -46,10 +46,14 @@ public:
     ITestParserEventReceiver* mappingKey(const yaml_event_t& event) override
     {
         m_key = CYAMLScalar(event).getValue();
-        if (m_key == "func" || m_key == "script" || m_key == "hil") {
-            return m_key == "func" ? &func : m_key == "script" ? &script : static_cast<ITestParserEventReceiver*>(&hil);
+        ITestParserEventReceiver* const sections[] = {&func, &script, &hil, this};
+        const char* const keys[] = {"func", "script", "hil", "stubs"};
+        for (int i = 0; i < 4; ++i) {
+            if (m_key == keys[i]) {
+                return sections[i];
+            }
         }
-        return m_key == "stubs" ? this : refuse();
+        return refuse();
     }
     ITestParserEventReceiver* mappingValue(const yaml_event_t&) override { return refuse(); }
     ITestParserEventReceiver* mappingEnd() override { return nullptr; }
@@ -169,13 +173,8 @@ inline std::string written(const std::string& key, ITestParserEventReceiver& sec
     return stream->getString();
 }
 
-/// The YAML text of one object as the root of a document.
-inline std::string toYaml(ITestParserEventReceiver& root)
-{
-    return written("", root);
-}
+inline std::string toYaml(ITestParserEventReceiver& root) { return written("", root); }
 
-/// Reads `text` into a new host.
 inline std::unique_ptr<SectionHost> parsed(const std::string& text)
 {
     auto host = std::make_unique<SectionHost>();
@@ -205,11 +204,10 @@ inline ParseFailure failureOf(const std::function<void()>& action)
         if (start == std::string::npos) {
             return {e.getDesc(), "", e.getDesc(), data};
         }
-        size_t end = data.find("  [/", start);
-        size_t pos = data.rfind("[Line: ");
+        const size_t end = data.find("  [/", start);
+        const size_t pos = data.rfind("[Line: ");
         return {data.substr(start + 7, end == std::string::npos ? end : end - start - 7),
-                pos == std::string::npos ? "" : data.substr(pos, data.find(']', pos) + 1 - pos), e.getDesc(),
-                data};
+                pos == std::string::npos ? "" : data.substr(pos, data.find(']', pos) + 1 - pos), e.getDesc(), data};
     } catch (const std::exception& e) {
         return {std::string("wrong exception: ") + e.what(), "", "", ""};
     }
@@ -221,17 +219,8 @@ inline ParseFailure parseFailure(ITestParserEventReceiver& receiver, const std::
     return failureOf([&] { CYAMLUtil::parseYAML(receiver, text); });
 }
 
-inline ParseFailure parseFailure(const std::string& text)
-{
-    SectionHost host;
-    return parseFailure(host, text);
-}
-
 /// The message of a refused setter.
-inline std::string refusal(const std::function<void()>& action)
-{
-    return failureOf(action).message;
-}
+inline std::string refusal(const std::function<void()>& action) { return failureOf(action).message; }
 
 /// One refused text: the message and the position text "[Line: n  Col: m]".
 struct Refusal {
@@ -240,24 +229,14 @@ struct Refusal {
     std::string position;
 };
 
-/// Parses a text with a fresh host of the single key `key`.
-template <class S>
-std::function<ParseFailure(const std::string&)> freshHost(const std::string& key)
-{
-    return [key](const std::string& text) {
-        KeyHost<S> host(key);
-        return parseFailure(host, text);
-    };
-}
-
-/// Checks the message and the position of each refused text.
-inline void expectRefusals(const std::vector<Refusal>& refusals,
-                           const std::function<ParseFailure(const std::string&)>& parse =
-                               [](const std::string& text) { return parseFailure(text); })
+/// Checks the message and the position of each refused text, read by a fresh `Host`.
+template <class Host = SectionHost, class... Args>
+void expectRefusals(const std::vector<Refusal>& refusals, const Args&... hostArgs)
 {
     for (const Refusal& r : refusals) {
         SCOPED_TRACE(r.text);
-        const ParseFailure failure = parse(r.text);
+        Host host(hostArgs...);
+        const ParseFailure failure = parseFailure(host, r.text);
         EXPECT_EQ("Illegal argument", failure.desc);
         EXPECT_EQ(r.message, failure.message) << failure.context;
         EXPECT_EQ(r.position, failure.position);

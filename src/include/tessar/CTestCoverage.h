@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "CAnalyzerDocument.h"
 #include "CTestCoverageStatistics.h"
 #include "CYAMLBool.h"
 #include "CYAMLEnum.h"
@@ -60,12 +61,12 @@ public:
     void setRunMode(const std::string& text);
     void setRunMode(ERunMode value);
 
-    std::string getDocumentFileName() const { return m_documentFileName.getValue(); }
-    std::string getOpenMode() const { return m_openMode.getValue(); }
+    std::string getDocumentFileName() const { return m_document.getFileName(); }
+    std::string getOpenMode() const { return m_document.getOpenMode(); }
     std::string getRangesetName() const { return m_rangeset.getValue(); }
     /// The text of the format, as written.
-    std::string getExportFormat() const { return m_exportFormat.getValue(); }
-    std::string getExportFileName() const { return m_exportFileName.getValue(); }
+    std::string getExportFormat() const { return m_document.getExportFormat(); }
+    std::string getExportFileName() const { return m_document.getExportFileName(); }
     std::string getBitmapFileName() const { return m_bitmapFileName.getValue(); }
 
     // Text setters take YAML text: quotes are those of a file.
@@ -78,12 +79,12 @@ public:
     void setExportFileName(const std::string& text);
     void setBitmapFileName(const std::string& text);
 
-    bool isSaveAfterTest() const { return m_saveAfterTest.getBool(); }
-    bool isCloseAfterTest() const { return m_closeAfterTest.getBool(); }
+    bool isSaveAfterTest() const { return m_document.saveAfterTest().getBool(); }
+    bool isCloseAfterTest() const { return m_document.closeAfterTest().getBool(); }
     bool isDecisionCoverage() const { return m_decisionCoverage.getBool(); }
     /// The text as read or set, such as "yes"; empty when not set.
-    std::string getSaveAfterTest() const { return m_saveAfterTest.getValue(); }
-    std::string getCloseAfterTest() const { return m_closeAfterTest.getValue(); }
+    std::string getSaveAfterTest() const { return m_document.saveAfterTest().getValue(); }
+    std::string getCloseAfterTest() const { return m_document.closeAfterTest().getValue(); }
     std::string getDecisionCoverage() const { return m_decisionCoverage.getValue(); }
     void setSaveAfterTest(bool isSave);
     void setCloseAfterTest(bool isClose);
@@ -107,8 +108,6 @@ public:
 private:
     enum ESection { BEFORE_BLOCK = 0, IN_BLOCK = 1, AFTER_STATISTICS_KEY = 2, IN_STATISTICS = 3 };
 
-    /// Refuses any open mode but "u", "r", "w", "a" and empty.
-    static void verifyOpenMode(const std::string& text);
     /// Whether `key` names one of the scalar fields.
     static bool isScalarKey(const std::string& key);
     void checkIndex(int index) const;
@@ -116,13 +115,9 @@ private:
 
     CYAMLMap m_main;
     CYAMLEnum<ERunMode> m_runMode;
-    CYAMLScalar m_documentFileName;
-    CYAMLScalar m_openMode;
-    CYAMLBool m_saveAfterTest;
-    CYAMLBool m_closeAfterTest;
+    // A file may leave the open mode empty here.
+    CAnalyzerDocument<EExport> m_document{"coverage", true};
     CYAMLScalar m_rangeset;
-    CYAMLEnum<EExport> m_exportFormat;
-    CYAMLScalar m_exportFileName;
     CYAMLBool m_decisionCoverage;
     CYAMLScalar m_bitmapFileName;
     CYAMLSequence m_statisticsBlock;

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "CYAMLBool.h"
+#include "CAnalyzerDocument.h"
 #include "CYAMLEnum.h"
 #include "CYAMLEnumTables.h"
 #include "CYAMLMap.h"
@@ -53,12 +53,12 @@ public:
     void setRunMode(const std::string& text);
     void setRunMode(ERunMode value);
 
-    std::string getDocumentFileName() const { return m_documentFileName.getValue(); }
-    std::string getOpenMode() const { return m_openMode.getValue(); }
+    std::string getDocumentFileName() const { return m_document.getFileName(); }
+    std::string getOpenMode() const { return m_document.getOpenMode(); }
     std::string getTriggerName() const { return m_triggerName.getValue(); }
-    std::string getExportFileName() const { return m_exportFileName.getValue(); }
+    std::string getExportFileName() const { return m_document.getExportFileName(); }
     /// The text of the format, as written.
-    std::string getExportFormat() const { return m_exportFormat.getValue(); }
+    std::string getExportFormat() const { return m_document.getExportFormat(); }
 
     // Text setters take YAML text: quotes are those of a file.
     void setDocumentFileName(const std::string& text);
@@ -69,11 +69,11 @@ public:
     /// "u", "r", "w", "a", or empty to clear the field.
     void setOpenMode(const std::string& text);
 
-    bool isSaveAfterTest() const { return m_saveAfterTest.getBool(); }
-    bool isCloseAfterTest() const { return m_closeAfterTest.getBool(); }
+    bool isSaveAfterTest() const { return m_document.saveAfterTest().getBool(); }
+    bool isCloseAfterTest() const { return m_document.closeAfterTest().getBool(); }
     /// The text as read or set, such as "yes"; empty when not set.
-    std::string getSaveAfterTest() const { return m_saveAfterTest.getValue(); }
-    std::string getCloseAfterTest() const { return m_closeAfterTest.getValue(); }
+    std::string getSaveAfterTest() const { return m_document.saveAfterTest().getValue(); }
+    std::string getCloseAfterTest() const { return m_document.closeAfterTest().getValue(); }
     void setSaveAfterTest(bool isSave);
     void setCloseAfterTest(bool isClose);
     /// Not written afterwards, and reads false.
@@ -88,13 +88,8 @@ private:
 
     CYAMLMap m_main;
     CYAMLEnum<ERunMode> m_runMode;
-    CYAMLScalar m_documentFileName;
-    CYAMLScalar m_openMode;
-    CYAMLBool m_saveAfterTest;
-    CYAMLBool m_closeAfterTest;
+    CAnalyzerDocument<EExport> m_document{"trace", false};
     CYAMLScalar m_triggerName;
-    CYAMLEnum<EExport> m_exportFormat;
-    CYAMLScalar m_exportFileName;
     ITestParserEventReceiver* m_parent;
     int m_state = BEFORE_BLOCK;
     std::string m_key;
