@@ -98,7 +98,7 @@ TEST(CTestBench, EmptyFileGivesAnEmptyBenchWhoseMembersOutliveIt)
 // specification, which refuses the bench's own sections.
 TEST(CTestBench, RefusalsNameTheMessageAndPlace)
 {
-    expectRefusals(
+    expectRefusalsOf(
         {
             {"env: {workspace: a}\nenv: {workspace: b}\n", "Section is already defined!", "[Line: 2  Col: 4]"},
             {"reportConfig: {fileName: a}\nreportConfig: {fileName: b}\n", "Section is already defined!",

@@ -138,7 +138,7 @@ TEST(CTestSpecification, KeysAreWrittenInFixedOrderWhateverTheFileOrder)
 TEST(CTestSpecification, RefusalsNameTheMessageAndPlace)
 {
     const std::string badChars = "Only subset of all characters is allowed: letters, numbers, and symbols: _-./:";
-    expectRefusals(
+    expectRefusalsOf(
         {
             {"id: a b\n", badChars, "[Line: 2  Col: 0]"},
             {"id: x\nid: y\n", "ID already set to: 'x'", "[Line: 3  Col: 0]"},
