@@ -65,19 +65,11 @@ long long asSignedCount(DWORD count)
     return static_cast<int32_t>(count);
 }
 
-// Managed callers may pass a null emitter.
-void checkEmitter(const std::shared_ptr<IEmitter>& emitter)
-{
-    if (!emitter) {
-        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
-    }
-}
-
 } // namespace
 
 void CCoverageTestResult::serialize(std::shared_ptr<IEmitter> emitter) const
 {
-    checkEmitter(emitter);
+    IEmitter::checkNotNull(emitter);
     emitter->writeMappingPair("isError", isError());
     emitter->writeMappingPair("isBytesExecutedError", isBytesExecutedError());
     emitter->writeMappingPair("isBranchesExecutedError", isBranchesExecutedError());
@@ -102,7 +94,7 @@ void CCoverageTestResult::serialize(std::shared_ptr<IEmitter> emitter) const
 void CCoverageTestResult::serializeCoverageData(std::shared_ptr<IEmitter> emitter, const std::string& key,
                                                 double expected, double measuredRel, long long measuredAbs)
 {
-    checkEmitter(emitter);
+    IEmitter::checkNotNull(emitter);
     emitter->write(key);
     emitter->mapStart();
     emitter->writeMappingPair("expected", expected);

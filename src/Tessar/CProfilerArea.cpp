@@ -153,6 +153,7 @@ ITestParserEventReceiver* CProfilerArea::sequenceEnd()
 
 void CProfilerArea::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    IEmitter::checkNotNull(emitter);
     emitter->writeMapStart(m_block);
     emitter->writeMappingPair(KEY_NAME, m_name);
     // The text goes out as read, whether or not the value is enabled.

@@ -19,14 +19,6 @@ bool isViolated(const MinMaxLimits& limits, long long value)
     return limits.m_isDefined && CProfilerTestResult::validateValue(limits, value) != CProfilerTestResult::ERR_NONE;
 }
 
-// Managed callers may pass a null emitter.
-void checkEmitter(const std::shared_ptr<IEmitter>& emitter)
-{
-    if (!emitter) {
-        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
-    }
-}
-
 } // namespace
 
 CProfilerTestResult::CProfilerTestResult() = default;
@@ -149,7 +141,7 @@ std::string CProfilerTestResult::statusToString(EResultStatus status)
 
 void CProfilerTestResult::serialize(std::shared_ptr<IEmitter> emitter) const
 {
-    checkEmitter(emitter);
+    IEmitter::checkNotNull(emitter);
     emitter->writeMappingPair("isError", isError());
     emitter->writeMappingPair("minTimeStatus", statusToString(validateMinTime()));
     emitter->writeMappingPair("maxTimeStatus", statusToString(validateMaxTime()));
@@ -160,7 +152,7 @@ void CProfilerTestResult::serialize(std::shared_ptr<IEmitter> emitter) const
 
 void CProfilerTestResult::serializeErrorsOnly(std::shared_ptr<IEmitter> emitter) const
 {
-    checkEmitter(emitter);
+    IEmitter::checkNotNull(emitter);
     ProfilerStatisticVector withError;
     getMeasuredResultsWithError(withError);
     serializeProfilerValues(emitter, withError, false);
@@ -169,7 +161,7 @@ void CProfilerTestResult::serializeErrorsOnly(std::shared_ptr<IEmitter> emitter)
 void CProfilerTestResult::serializeProfilerValues(std::shared_ptr<IEmitter> emitter,
                                                   const ProfilerStatisticVector& results, bool isAll) const
 {
-    checkEmitter(emitter);
+    IEmitter::checkNotNull(emitter);
     if (m_isValueSet) {
         emitter->writeMappingPair("specifiedValue", m_value);
     }
@@ -209,7 +201,7 @@ void CProfilerTestResult::serializeParameter(std::shared_ptr<IEmitter> emitter, 
                                              EResultStatus status, const MinMaxLimits& limits, long long measured,
                                              bool isAll)
 {
-    checkEmitter(emitter);
+    IEmitter::checkNotNull(emitter);
     if (!isAll && status == ERR_NONE) {
         emitter->writeMappingPair(key, true);
         return;

@@ -124,9 +124,7 @@ ITestParserEventReceiver* CTestBench::sequenceEnd()
 
 void CTestBench::serialize(std::shared_ptr<IEmitter> emitter)
 {
-    if (!emitter) {
-        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
-    }
+    IEmitter::checkNotNull(emitter);
     emitter->writeMapStart(m_main);
     if (!m_environment->isEmpty()) {
         emitter->write(std::string(KEY_ENV));

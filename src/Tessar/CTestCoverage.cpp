@@ -173,6 +173,7 @@ ITestParserEventReceiver* CTestCoverage::sequenceEnd()
 
 void CTestCoverage::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    IEmitter::checkNotNull(emitter);
     emitter->writeMapStart(m_main);
     emitter->writeMappingPair(KEY_RUN_MODE, m_runMode);
     m_document.writeDocument(*emitter);

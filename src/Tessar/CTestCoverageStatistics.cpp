@@ -113,6 +113,7 @@ ITestParserEventReceiver* CTestCoverageStatistics::sequenceEnd()
 
 void CTestCoverageStatistics::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    IEmitter::checkNotNull(emitter);
     emitter->writeMapStart(m_block);
     const std::pair<const char*, const CYAMLScalar*> fields[] = {
         {KEY_FUNC, &m_function},   {KEY_CODE, &m_code},          {KEY_BRANCHES, &m_branches},

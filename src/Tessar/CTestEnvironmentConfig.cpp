@@ -160,6 +160,7 @@ ITestParserEventReceiver* CTestEnvironmentConfig::sequenceEnd()
 
 void CTestEnvironmentConfig::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    IEmitter::checkNotNull(emitter);
     writeTo(*emitter);
 }
 

@@ -131,6 +131,7 @@ ITestParserEventReceiver* CTestFunction::sequenceEnd()
 
 void CTestFunction::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    IEmitter::checkNotNull(emitter);
     if (isEmpty()) {
         return;
     }

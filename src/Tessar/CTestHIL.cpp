@@ -85,6 +85,7 @@ ITestParserEventReceiver* CTestHIL::sequenceEnd()
 
 void CTestHIL::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    IEmitter::checkNotNull(emitter);
     emitter->writeMapStart(m_main);
     if (!m_params.isEmpty()) {
         emitter->write(CYAMLScalar(std::string(KEY_PARAMS)));

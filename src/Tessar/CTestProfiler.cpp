@@ -192,6 +192,7 @@ void CTestProfiler::writeAreas(const std::shared_ptr<IEmitter>& emitter, const c
 
 void CTestProfiler::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    IEmitter::checkNotNull(emitter);
     emitter->writeMapStart(m_block);
     emitter->writeMappingPair(KEY_RUN_MODE, m_runMode);
     emitter->writeMappingPair(KEY_TRIGGER, m_trigger);

@@ -135,6 +135,7 @@ ITestParserEventReceiver* CTestReportConfig::sequenceEnd()
 
 void CTestReportConfig::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    IEmitter::checkNotNull(emitter);
     writeTo(*emitter);
 }
 

@@ -124,14 +124,6 @@ void writeCoverageItemsInError(const std::shared_ptr<IEmitter>& emitter, const C
     }
 }
 
-// Managed callers may pass a null emitter.
-void checkEmitter(const std::shared_ptr<IEmitter>& emitter)
-{
-    if (!emitter) {
-        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
-    }
-}
-
 } // namespace
 
 // A null specification is accepted: its identity is empty and it has no analyzer sections.
@@ -234,7 +226,7 @@ void CTestResult::serializeErrorsOnly(std::shared_ptr<IEmitter> emitter,
 void CTestResult::serializeReport(const Emitter& emitter, const ReportConfig& config,
                                   bool isErrorsOnly) const
 {
-    checkEmitter(emitter);
+    IEmitter::checkNotNull(emitter);
     // Resolved before anything is written: an unknown variable leaves no half-written report.
     const std::string outputFile = isErrorsOnly ? std::string() : resolveOutputFile(config);
     emitter->mapStart();

@@ -50,14 +50,6 @@ std::string scalarText(const yaml_event_t& event)
     return CYAMLScalar(event).getValue();
 }
 
-// A managed caller can pass a null emitter or put a null stub into the vector of `getStubs`.
-void checkEmitter(const std::shared_ptr<IEmitter>& emitter)
-{
-    if (!emitter) {
-        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
-    }
-}
-
 void checkStubs(const StubsVector& stubs)
 {
     for (size_t i = 0; i < stubs.size(); ++i) {
@@ -323,7 +315,7 @@ void CTestSpecification::writeKey(IEmitter& emitter, const char* key) const
 
 void CTestSpecification::serialize(std::shared_ptr<IEmitter> emitter, bool isWriteMapBrackets)
 {
-    checkEmitter(emitter);
+    IEmitter::checkNotNull(emitter);
     checkStubs(m_stubs);
     IEmitter& out = *emitter;
     if (isWriteMapBrackets) {

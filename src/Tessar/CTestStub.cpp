@@ -131,6 +131,7 @@ ITestParserEventReceiver* CTestStub::sequenceEnd()
 
 void CTestStub::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    IEmitter::checkNotNull(emitter);
     emitter->writeMapStart(m_block);
 
     emitter->write(std::string(KEY_FUNC));

@@ -101,6 +101,7 @@ ITestParserEventReceiver* CTestTrace::sequenceEnd()
 
 void CTestTrace::serialize(std::shared_ptr<IEmitter> emitter)
 {
+    IEmitter::checkNotNull(emitter);
     emitter->writeMapStart(m_main);
     emitter->writeMappingPair(KEY_RUN_MODE, m_runMode);
     m_document.writeDocument(*emitter);

@@ -1,10 +1,18 @@
 #include "IEmitter.h"
 
+#include "IllegalArgumentException.h"
 #include "IllegalStateException.h"
 
 #include <string>
 
 namespace kestrix {
+
+void IEmitter::checkNotNull(const std::shared_ptr<IEmitter>& emitter)
+{
+    if (!emitter) {
+        throw IllegalArgumentException(KX_POS, "Emitter must not be null!");
+    }
+}
 
 void IEmitter::writeMapOfScalars(const CYAMLMap& map)
 {

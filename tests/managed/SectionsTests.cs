@@ -13,6 +13,8 @@ public static class SectionsTests {
     return stream.getString();
   }
 
+  static readonly SWIGTYPE_p_kestrix__ITestParserEventReceiver NoParent = null;
+
   public static void Run() {
     Check.Case("stubs edited through setters and kept in a stubs vector", () => {
       var stubs = new StubsVector();
@@ -41,6 +43,19 @@ public static class SectionsTests {
       var hil = new CTestHIL(null);
       hil.setParams("{Out1: 1, In: 2.5}");
       Check.Equal("Out1,In", string.Join(",", hil.getHILParamKeys()));
+    });
+
+    Check.Case("a null emitter is refused by every section", () => {
+      var writers = new Action[] {
+        () => new CTestStub().serialize(null), () => new CTestFunction().serialize(null),
+        () => new CTestHIL(null).serialize(null), () => new CTestTrace(null).serialize(null),
+        () => new CTestCoverage(NoParent).serialize(null), () => new CTestProfiler(NoParent).serialize(null),
+        () => new CTestEnvironmentConfig(null).serialize(null), () => new CTestReportConfig().serialize(null),
+      };
+      foreach (Action write in writers) {
+        var e = Check.Throws<ApplicationException>(write);
+        if (e != null) Check.True(e.Message.StartsWith("Emitter must not be null!  ["), e.Message);
+      }
     });
   }
 }

@@ -35,6 +35,9 @@ public:
     virtual void write(const std::string& value) = 0;
     // A text literal is a string, not a scalar to be built.
     void write(const char* value) { write(std::string(value)); }
+    /// Refuses the null emitter that a managed caller may pass to a `serialize`.
+    static void checkNotNull(const std::shared_ptr<IEmitter>& emitter);
+
     /// A mapping whose values are all scalars; the same for every emitter.
     virtual void writeMapOfScalars(const CYAMLMap& map);
 
