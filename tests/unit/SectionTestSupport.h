@@ -46,14 +46,11 @@ public:
     ITestParserEventReceiver* mappingKey(const yaml_event_t& event) override
     {
         m_key = CYAMLScalar(event).getValue();
-        ITestParserEventReceiver* const sections[] = {&func, &script, &hil, this};
-        const char* const keys[] = {"func", "script", "hil", "stubs"};
-        for (int i = 0; i < 4; ++i) {
-            if (m_key == keys[i]) {
-                return sections[i];
-            }
-        }
-        return refuse();
+        return m_key == "func"     ? &func
+               : m_key == "script" ? &script
+               : m_key == "hil"    ? &hil
+               : m_key == "stubs"  ? this
+                                   : refuse();
     }
     ITestParserEventReceiver* mappingValue(const yaml_event_t&) override { return refuse(); }
     ITestParserEventReceiver* mappingEnd() override { return nullptr; }
@@ -66,11 +63,7 @@ public:
         return this;
     }
     ITestParserEventReceiver* sequenceValue(const yaml_event_t&) override { return refuse(); }
-    ITestParserEventReceiver* sequenceEnd() override
-    {
-        m_inStubs = false;
-        return this;
-    }
+    ITestParserEventReceiver* sequenceEnd() override { return m_inStubs = false, this; }
     void serialize(std::shared_ptr<IEmitter> emitter) override
     {
         emitter->mapStart();
@@ -111,22 +104,13 @@ class KeyHost : public ITestParserEventReceiver {
 public:
     /// `isKeyWritten`: the host writes the key itself, since the section does not.
     explicit KeyHost(const std::string& key, bool isKeyWritten = true)
-        : section(this), m_key(key), m_isKeyWritten(isKeyWritten)
-    {
-    }
+        : section(this), m_key(key), m_isKeyWritten(isKeyWritten) {}
 
-    ITestParserEventReceiver* mappingStart(const yaml_event_t& event) override
-    {
-        m_map = CYAMLMap(event);
-        return this;
-    }
+    ITestParserEventReceiver* mappingStart(const yaml_event_t& event) override { return m_map = CYAMLMap(event), this; }
     ITestParserEventReceiver* mappingKey(const yaml_event_t& event) override
     {
-        std::string key = CYAMLScalar(event).getValue();
-        if (key != m_key) {
-            throw ParserException(KX_POS, "host: unexpected key " + key);
-        }
-        return &section;
+        const std::string key = CYAMLScalar(event).getValue();
+        return key == m_key ? &section : throw ParserException(KX_POS, "host: unexpected key " + key);
     }
     ITestParserEventReceiver* mappingValue(const yaml_event_t&) override { return refuse(); }
     ITestParserEventReceiver* mappingEnd() override { return nullptr; }
@@ -158,18 +142,15 @@ inline std::string written(const std::string& key, ITestParserEventReceiver& sec
 {
     auto stream = std::make_shared<CStringStream>();
     auto emitter = std::make_shared<CYAMLEmitter>(stream);
-    emitter->startStream();
-    emitter->startDocument(true);
+    emitter->startStream(), emitter->startDocument(true);
     if (!key.empty()) {
-        emitter->mapStart();
-        emitter->write(key);
+        emitter->mapStart(), emitter->write(key);
     }
     section.serialize(emitter);
     if (!key.empty()) {
         emitter->mapEnd();
     }
-    emitter->endDocument(true);
-    emitter->endStream();
+    emitter->endDocument(true), emitter->endStream();
     return stream->getString();
 }
 
