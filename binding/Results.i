@@ -9,7 +9,7 @@
 #include "CTestSpecification.h"
 %}
 
-// Comes after the bindings of the specification and the report configuration, whose
+// Comes after the bindings of the test specification and the report configuration, whose
 // shared-pointer declarations it relies on.
 
 // Helpers of the library's own writers.
