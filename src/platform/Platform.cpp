@@ -108,8 +108,12 @@ std::string appDataDir()
     if (const char* appData = std::getenv("APPDATA")) {
         return appData;
     }
+    // Without a home folder there is no per-user folder either: empty, as an unset APPDATA.
     const char* home = std::getenv("HOME");
-    return std::string(home != nullptr ? home : "") + "/.config";
+    if (home == nullptr || *home == '\0') {
+        return "";
+    }
+    return std::string(home) + "/.config";
 }
 
 } // namespace platform

@@ -29,7 +29,7 @@ void* getProcAddress(void* library, const char* name);
 bool freeLibrary(void* library);
 std::string lastLoadError();
 
-/// The per-user application data folder: $APPDATA, else $HOME/.config.
+/// The per-user application data folder: $APPDATA, else $HOME/.config; empty if neither is known.
 std::string appDataDir();
 
 } // namespace platform
