@@ -1,0 +1,331 @@
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <new>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "Orbel.h"
+#include "OrbelDebug2.h"
+#include "OrbelEntryPoints.h"
+#include "OrbelIDE3.h"
+#include "OrbelIdentifiers.h"
+#include "OrbelResults.h"
+
+using namespace kestrix;
+
+namespace {
+
+// --- identifiers -----------------------------------------------------------------------------
+
+struct NamedGuid {
+    const char* name;
+    GUID value;
+};
+
+const std::vector<NamedGuid>& allIdentifiers()
+{
+    static const std::vector<NamedGuid> ids = {
+        {"IID_IUnknown", IID_IUnknown},         {"CLSID_ORBEL", CLSID_ORBEL},
+        {"IID_Orbel", IID_Orbel},               {"IID_OrbelIDE", IID_OrbelIDE},
+        {"IID_OrbelDebug", IID_OrbelDebug},     {"IID_OrbelProfiler2", IID_OrbelProfiler2},
+        {"IID_OrbelProject", IID_OrbelProject}, {"IID_OrbelDebug2", IID_OrbelDebug2},
+        {"IID_OrbelIDE2", IID_OrbelIDE2},       {"IID_OrbelIDE3", IID_OrbelIDE3},
+        {"IID_OrbelCoverage", IID_OrbelCoverage}, {"IID_OrbelTest", IID_OrbelTest},
+        {"IID_OrbelHIL", IID_OrbelHIL},         {"IID_OrbelBetaExtra", IID_OrbelBetaExtra},
+        {"IID_OrbelEclipse", IID_OrbelEclipse}, {"IID_OrbelProfiler", IID_OrbelProfiler},
+        {"IID_OrbelSink", IID_OrbelSink},       {"IID_IDescriptor", IID_IDescriptor},
+        {"SERVICE_Line", SERVICE_Line},         {"SERVICE_Scan", SERVICE_Scan},
+        {"SERVICE_Flash", SERVICE_Flash},
+    };
+    return ids;
+}
+
+TEST(OrbelContractTest, EveryIdentifierIsDistinct)
+{
+    const auto& ids = allIdentifiers();
+    for (size_t i = 0; i < ids.size(); ++i) {
+        EXPECT_TRUE(ids[i].value == ids[i].value) << ids[i].name;
+        for (size_t j = i + 1; j < ids.size(); ++j) {
+            EXPECT_TRUE(ids[i].value != ids[j].value) << ids[i].name << " == " << ids[j].name;
+        }
+    }
+}
+
+TEST(OrbelContractTest, GuidEqualityLooksAtEveryByte)
+{
+    // The two debug interfaces differ in one byte of Data4 only.
+    EXPECT_FALSE(IID_OrbelDebug == IID_OrbelDebug2);
+    for (int i = 0; i < 8; ++i) {
+        GUID changed = CLSID_ORBEL;
+        changed.Data4[i] ^= 1;
+        EXPECT_FALSE(changed == CLSID_ORBEL) << "Data4[" << i << "]";
+    }
+    GUID changed = CLSID_ORBEL;
+    changed.Data3 ^= 1;
+    EXPECT_FALSE(changed == CLSID_ORBEL);
+}
+
+TEST(OrbelContractTest, IdentifiersKeepTheirTextualForm)
+{
+    // {DF120538-0B0C-4DDA-B462-17564D4A069B}: the byte order of each group as written.
+    EXPECT_EQ(IID_OrbelDebug.Data1, 0xDF120538u);
+    EXPECT_EQ(IID_OrbelDebug.Data2, 0x0B0Cu);
+    EXPECT_EQ(IID_OrbelDebug.Data3, 0x4DDAu);
+    const BYTE tail[8] = {0xB4, 0x62, 0x17, 0x56, 0x4D, 0x4A, 0x06, 0x9B};
+    EXPECT_EQ(std::memcmp(IID_OrbelDebug.Data4, tail, 8), 0);
+}
+
+// --- result codes ----------------------------------------------------------------------------
+
+TEST(OrbelContractTest, FailureCodesAreNegativeAndSuccessCodesAreNot)
+{
+    const HRESULT successes[] = {S_OK, S_FALSE, ORBEL_S_MSG_FAIL, ORBEL_S_WARNING, ORBEL_S_SIZE};
+    for (HRESULT hr : successes) {
+        EXPECT_GE(hr, 0) << std::hex << hr;
+    }
+    const HRESULT failures[] = {E_NOTIMPL, E_NOINTERFACE, E_FAIL, ORBEL_E_CONNECT_FAILED,
+                                ORBEL_E_VERSION_CONFLICT, ORBEL_E_ALREADY_CONNECTED,
+                                ORBEL_E_NOT_CONNECTED, ORBEL_E_FILE_NOT_FOUND, ORBEL_E_CAN_NOT_ACCESS,
+                                ORBEL_E_BAD_ID, ORBEL_E_NOT_SIMPLE_TYPE, ORBEL_E_ERROR,
+                                ORBEL_E_NO_BREAKPOINT, ORBEL_E_NOT_AVAILABLE, ORBEL_E_SIZE,
+                                ORBEL_E_ALREADY_EXISTS, ORBEL_E_STILL_RUNNING, E_INVALIDARG};
+    for (HRESULT hr : failures) {
+        EXPECT_LT(hr, 0) << std::hex << hr;
+    }
+    // The text of an unknown code is its signed decimal value.
+    EXPECT_EQ(std::to_string(ORBEL_E_STILL_RUNNING), "-2147221491");
+}
+
+// --- slot order ------------------------------------------------------------------------------
+
+// The vtable index of a virtual member function, read from the Itanium C++ ABI's representation
+// of a member pointer: 1 + the byte offset of the slot. Slot 0 is QueryInterface, so the n-th
+// operation behind IUnknown sits at index n + 2.
+template <typename M>
+long vtableIndex(M member)
+{
+    struct Representation {
+        std::uintptr_t ptr;
+        std::ptrdiff_t adj;
+    };
+    static_assert(sizeof(M) == sizeof(Representation), "Itanium member pointer");
+    Representation rep;
+    std::memcpy(&rep, &member, sizeof rep);
+    if ((rep.ptr & 1) == 0) {
+        return -1;  // not virtual
+    }
+    return static_cast<long>((rep.ptr - 1) / sizeof(void*));
+}
+
+struct Slot {
+    const char* name;
+    long index;
+    int place;
+};
+
+#define KX_SLOT(Interface, Operation, Place) Slot{#Interface "::" #Operation, vtableIndex(&Interface::Operation), Place}
+
+void expectPlaces(const std::vector<Slot>& slots)
+{
+#if defined(__x86_64__) || defined(__i386__)
+    for (const Slot& slot : slots) {
+        EXPECT_EQ(slot.index, slot.place + 2) << slot.name;
+    }
+#else
+    GTEST_SKIP() << "slot check reads the x86 Itanium member pointer";
+#endif
+}
+
+TEST(OrbelContractTest, IUnknownTakesTheFirstThreeSlots)
+{
+#if defined(__x86_64__) || defined(__i386__)
+    EXPECT_EQ(vtableIndex(&IUnknown::QueryInterface), 0);
+    EXPECT_EQ(vtableIndex(&IUnknown::AddRef), 1);
+    EXPECT_EQ(vtableIndex(&IUnknown::Release), 2);
+#endif
+}
+
+TEST(OrbelContractTest, OrbelOperationsSitAtTheirPlaces)
+{
+    expectPlaces({KX_SLOT(Orbel, Attach, 1), KX_SLOT(Orbel, Detach, 2), KX_SLOT(Orbel, Launch, 3),
+                  KX_SLOT(Orbel, GetLastError, 4)});
+}
+
+TEST(OrbelContractTest, IDEOperationsSitAtTheirPlaces)
+{
+    expectPlaces({KX_SLOT(OrbelIDE, Document, 1), KX_SLOT(OrbelIDE, Workspace, 2),
+                  KX_SLOT(OrbelIDE, Application, 3), KX_SLOT(OrbelIDE2, ServiceCall, 4),
+                  KX_SLOT(OrbelIDE3, GetQuillonVersion, 5), KX_SLOT(OrbelIDE3, Reserved6, 6),
+                  KX_SLOT(OrbelIDE3, Reserved7, 7), KX_SLOT(OrbelIDE3, Reserved8, 8),
+                  KX_SLOT(OrbelIDE3, Option, 9), KX_SLOT(OrbelIDE3, ServiceCallData, 10),
+                  // Reached through the derived interface, the base operations keep their places.
+                  KX_SLOT(OrbelIDE3, Document, 1), KX_SLOT(OrbelIDE3, ServiceCall, 4)});
+}
+
+TEST(OrbelContractTest, DebugOperationsSitAtTheirPlaces)
+{
+    expectPlaces({KX_SLOT(OrbelDebug, GetCPUInfo, 1), KX_SLOT(OrbelDebug, GetAddress, 2),
+                  KX_SLOT(OrbelDebug, GetSymbolAtAddress, 3), KX_SLOT(OrbelDebug, GetAddressOfSourceLine, 4),
+                  KX_SLOT(OrbelDebug, GetSourceLineAtAddress, 5), KX_SLOT(OrbelDebug, ReadMemory, 6),
+                  KX_SLOT(OrbelDebug, WriteMemory, 7), KX_SLOT(OrbelDebug, ReadRegister, 8),
+                  KX_SLOT(OrbelDebug, WriteRegister, 9), KX_SLOT(OrbelDebug, ReadValue, 10),
+                  KX_SLOT(OrbelDebug, WriteValue, 11), KX_SLOT(OrbelDebug, Evaluate, 12),
+                  KX_SLOT(OrbelDebug, Modify, 13), KX_SLOT(OrbelDebug, GetCPUStatus, 14),
+                  KX_SLOT(OrbelDebug, Breakpoint, 15), KX_SLOT(OrbelDebug, RunControl, 16),
+                  KX_SLOT(OrbelDebug2, Reserved17, 17), KX_SLOT(OrbelDebug2, BatchAccess, 18),
+                  KX_SLOT(OrbelDebug2, Reserved19, 19), KX_SLOT(OrbelDebug2, Download, 20),
+                  KX_SLOT(OrbelDebug2, LaunchCore, 21), KX_SLOT(OrbelDebug2, SetBP, 22),
+                  KX_SLOT(OrbelDebug2, Breakpoint, 15)});
+}
+
+// --- derived interfaces: one object, the base at its start -------------------------------------
+
+// Records which operation a call reached; every other operation fails.
+class FakeDebug2 final : public OrbelDebug2 {
+public:
+    std::string last;
+
+    HRESULT QueryInterface(const GUID&, void**) override { return note("QueryInterface"); }
+    ULONG AddRef() override { return 2; }
+    ULONG Release() override { return 1; }
+    HRESULT GetCPUInfo(CCPUInfo*) override { return note("GetCPUInfo"); }
+    HRESULT GetAddress(DWORD, const char*, BYTE*, ADDRESS*, DWORD*, SType*) override { return note("GetAddress"); }
+    HRESULT GetSymbolAtAddress(DWORD, BYTE, ADDRESS, char*, DWORD) override { return fail(); }
+    HRESULT GetAddressOfSourceLine(DWORD, const char*, int, ADDRESS*, DWORD*) override { return fail(); }
+    HRESULT GetSourceLineAtAddress(DWORD, ADDRESS, char*, DWORD, DWORD*) override { return fail(); }
+    HRESULT ReadMemory(DWORD, BYTE, ADDRESS, DWORD, BYTE*, BYTE, BYTE*) override { return fail(); }
+    HRESULT WriteMemory(DWORD, BYTE, ADDRESS, DWORD, BYTE*, BYTE, BYTE*) override { return fail(); }
+    HRESULT ReadRegister(DWORD, const char*, SValue*, SType*) override { return fail(); }
+    HRESULT WriteRegister(DWORD, const char*, const SValue*, const SType*) override { return fail(); }
+    HRESULT ReadValue(DWORD, BYTE, ADDRESS, SValue*, const SType*) override { return fail(); }
+    HRESULT WriteValue(DWORD, BYTE, ADDRESS, const SValue*, const SType*) override { return fail(); }
+    HRESULT Evaluate(DWORD, const char*, char*, DWORD, SValue*, SType*) override { return fail(); }
+    HRESULT Modify(DWORD, const char*, char*, DWORD, const SValue*, const SType*) override { return fail(); }
+    HRESULT GetCPUStatus(DWORD, SCPUStatus*) override { return fail(); }
+    HRESULT Breakpoint(DWORD, DWORD, ADDRESS, const char*, DWORD) override { return note("Breakpoint"); }
+    HRESULT RunControl(DWORD, DWORD, DWORD) override { return note("RunControl"); }
+    HRESULT Reserved17() override { return E_NOTIMPL; }
+    HRESULT BatchAccess(DWORD, const SBatchAccessHeader*, const SBatchAccessItem*,
+                        SBatchAccessItemResult*) override
+    {
+        return fail();
+    }
+    HRESULT Reserved19() override { return E_NOTIMPL; }
+    HRESULT Download(DWORD, char*, DWORD, void*, char*, DWORD) override { return fail(); }
+    HRESULT LaunchCore(DWORD, DWORD, char*, DWORD) override { return fail(); }
+    HRESULT SetBP(DWORD, DWORD, ADDRESS, const char*, DWORD, int, const char*) override { return note("SetBP"); }
+
+private:
+    HRESULT note(const char* name)
+    {
+        last = name;
+        return S_OK;
+    }
+    HRESULT fail() { return E_FAIL; }
+};
+
+TEST(OrbelContractTest, DerivedInterfaceStartsWithItsBase)
+{
+    FakeDebug2 fake;
+    OrbelDebug2* debug2 = &fake;
+    OrbelDebug* debug = debug2;
+    IUnknown* unknown = debug;
+    // The managed Upcast hands the same address on: the base must sit at the start.
+    EXPECT_EQ(static_cast<void*>(debug), static_cast<void*>(debug2));
+    EXPECT_EQ(static_cast<void*>(unknown), static_cast<void*>(debug2));
+
+    ASSERT_EQ(debug->RunControl(OrbelDebugFlags::rcRun, 0, 0), S_OK);
+    EXPECT_EQ(fake.last, "RunControl");
+    ASSERT_EQ(debug2->Breakpoint(OrbelDebugFlags::bpDeleteAll, 0, 0, nullptr, 0), S_OK);
+    EXPECT_EQ(fake.last, "Breakpoint");
+    ASSERT_EQ(unknown->QueryInterface(IID_OrbelDebug2, nullptr), S_OK);
+    EXPECT_EQ(fake.last, "QueryInterface");
+}
+
+// --- records ---------------------------------------------------------------------------------
+
+// The bytes of a default-constructed T placed over memory full of 0xAA.
+template <typename T>
+std::vector<BYTE> bytesOfNew()
+{
+    alignas(T) BYTE storage[sizeof(T)];
+    std::memset(storage, 0xAA, sizeof storage);
+    T* record = new (storage) T;
+    std::vector<BYTE> bytes(storage, storage + sizeof(T));
+    record->~T();
+    return bytes;
+}
+
+// Every byte zero but the four of a size field at sizeOffset (if any), which hold sizeof(T).
+template <typename T>
+void expectZeroButSize(const char* name, long sizeOffset = -1)
+{
+    std::vector<BYTE> expected(sizeof(T), 0);
+    if (sizeOffset >= 0) {
+        const DWORD size = sizeof(T);
+        std::memcpy(&expected[static_cast<size_t>(sizeOffset)], &size, sizeof size);
+    }
+    EXPECT_EQ(bytesOfNew<T>(), expected) << name;
+}
+
+TEST(OrbelContractTest, NewRecordsWithoutPaddingAreAllZero)
+{
+    expectZeroButSize<SAttachInfo>("SAttachInfo");
+    expectZeroButSize<SQuillonVersionInfo>("SQuillonVersionInfo");
+    expectZeroButSize<SApplicationData>("SApplicationData");
+    expectZeroButSize<SCPUStatus>("SCPUStatus");
+    expectZeroButSize<SBatchAccessItem>("SBatchAccessItem");
+    expectZeroButSize<SOrbelInfo>("SOrbelInfo", offsetof(SOrbelInfo, m_dwSize));
+}
+
+TEST(OrbelContractTest, NewRecordsWithPointersOrPaddingAreZeroFieldByField)
+{
+    SLaunchInfo launch;
+    EXPECT_EQ(launch.m_pszAddress, nullptr);
+    EXPECT_EQ(launch.m_pszInstanceId, nullptr);
+    EXPECT_EQ(launch.m_pszWorkspace, nullptr);
+    EXPECT_EQ(launch.m_pszCmdLineParams, nullptr);
+    EXPECT_EQ(launch.m_wUdpDiscoveryPort, 0);
+    EXPECT_EQ(launch.m_wTcpPort, 0);
+    EXPECT_EQ(launch.m_pfnInstanceEnumerator, nullptr);
+    EXPECT_EQ(launch.m_pContext, nullptr);
+    EXPECT_EQ(launch.m_dwProcessId, 0u);
+
+    SOptionValue option;
+    EXPECT_EQ(option.m_dwSize, sizeof(SOptionValue));
+    EXPECT_EQ(option.m_cPathSeparator, 0);
+    EXPECT_EQ(option.m_pszStringIn, nullptr);
+    EXPECT_EQ(option.m_pszStringOut, nullptr);
+    EXPECT_EQ(option.m_dwStringOutSize, 0u);
+    EXPECT_EQ(option.m_dwInteger, 0u);
+    EXPECT_EQ(option.m_dFloat, 0.0);
+    EXPECT_EQ(option.m_pIDescriptor, nullptr);
+
+    SDownload download;
+    EXPECT_EQ(download.m_dwSize, 20u);
+    EXPECT_EQ(download.m_dwFlags | download.m_aCodeOffset | download.m_aSymbolsOffset | download.m_byMemArea, 0u);
+
+    SBatchAccessHeader header;
+    EXPECT_EQ(header.m_dwFlags | header.m_dwNumItems | header.m_dwNumRuns, 0u);
+    EXPECT_EQ(header.m_qwStartAtTime | header.m_qwRunInterval, 0u);
+}
+
+TEST(OrbelContractTest, OptionSeparatorsDefaultForZero)
+{
+    EXPECT_EQ(PathSeparator(0), '.');
+    EXPECT_EQ(ValueSeparator(0), ':');
+    EXPECT_EQ(OptionSeparator(0), '\n');
+    EXPECT_EQ(PathSeparator('/'), '/');
+    EXPECT_EQ(ValueSeparator('='), '=');
+    EXPECT_EQ(OptionSeparator(';'), ';');
+}
+
+static_assert(std::is_same_v<PFN_ORBEL_CREATE_OBJECT, HRESULT (*)(const GUID*, IUnknown**)>,
+              "orbel_CreateObject as the client calls it");
+static_assert(std::is_same_v<PFN_ORBEL_GET_INFO, HRESULT (*)(SOrbelInfo*)>, "orbel_GetInfo as the client calls it");
+
+} // namespace
