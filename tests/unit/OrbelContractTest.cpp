@@ -9,11 +9,24 @@
 #include <vector>
 
 #include "Orbel.h"
+#include "OrbelBetaExtra.h"
+#include "OrbelCoverage.h"
 #include "OrbelDebug2.h"
+#include "OrbelEclipse.h"
 #include "OrbelEntryPoints.h"
+#include "OrbelHIL.h"
 #include "OrbelIDE3.h"
 #include "OrbelIdentifiers.h"
+#include "OrbelProfiler2.h"
+#include "OrbelProject.h"
 #include "OrbelResults.h"
+#include "OrbelSink.h"
+#include "OrbelTest.h"
+#include "SProfilerEncode.h"
+#include "Scan.h"
+#include "SLine_IN.h"
+#include "SLine_OUT.h"
+#include "SScan_OUT.h"
 
 using namespace kestrix;
 
@@ -182,6 +195,40 @@ TEST(OrbelContractTest, DebugOperationsSitAtTheirPlaces)
                   KX_SLOT(OrbelDebug2, Breakpoint, 15)});
 }
 
+TEST(OrbelContractTest, ServiceOperationsSitAtTheirPlaces)
+{
+    expectPlaces({// The base profiler interface has no operation of its own.
+                  KX_SLOT(OrbelProfiler2, GetCapabilities, 1), KX_SLOT(OrbelProfiler2, StartConfiguration, 2),
+                  KX_SLOT(OrbelProfiler2, AddArea, 3), KX_SLOT(OrbelProfiler2, Control, 4),
+                  KX_SLOT(OrbelProfiler2, GetStatus, 5), KX_SLOT(OrbelProfiler2, GetStatistics, 6),
+                  KX_SLOT(OrbelProfiler2, GetHistory, 7), KX_SLOT(OrbelProfiler2, GetAreaInfo, 8),
+                  KX_SLOT(OrbelProfiler2, GetArea, 9),
+                  KX_SLOT(OrbelCoverage, GetLastError, 1), KX_SLOT(OrbelCoverage, GetInfo, 2),
+                  KX_SLOT(OrbelCoverage, SetConfiguration, 3), KX_SLOT(OrbelCoverage, Reserved4, 4),
+                  KX_SLOT(OrbelCoverage, Reserved5, 5), KX_SLOT(OrbelCoverage, GetRanges, 6),
+                  KX_SLOT(OrbelCoverage, GetBitmap, 7), KX_SLOT(OrbelCoverage, GetStatistics, 8),
+                  KX_SLOT(OrbelProject, Reserved1, 1), KX_SLOT(OrbelProject, ProjectCommand, 2),
+                  KX_SLOT(OrbelProject, GetBuildStatus, 3), KX_SLOT(OrbelProject, BuildOption, 4),
+                  KX_SLOT(OrbelHIL, Read, 1), KX_SLOT(OrbelHIL, Write, 2), KX_SLOT(OrbelHIL, GetInfo, 3)});
+}
+
+TEST(OrbelContractTest, TestOperationsSitAtTheirPlaces)
+{
+    expectPlaces({KX_SLOT(OrbelTest, GetLastError, 1), KX_SLOT(OrbelTest, CreateTest, 2),
+                  KX_SLOT(OrbelTest, DestroyTest, 3), KX_SLOT(OrbelTest, CreateParameter, 4),
+                  KX_SLOT(OrbelTest, CreateReturnValue, 5), KX_SLOT(OrbelTest, CreateVariable, 6),
+                  KX_SLOT(OrbelTest, DestroyVariable, 7), KX_SLOT(OrbelTest, CreateStub, 8),
+                  KX_SLOT(OrbelTest, DestroyStub, 9), KX_SLOT(OrbelTest, CreateStubParameter, 10),
+                  KX_SLOT(OrbelTest, CreateStubReturnValue, 11), KX_SLOT(OrbelTest, Evaluate, 12),
+                  KX_SLOT(OrbelTest, Modify, 13), KX_SLOT(OrbelTest, Control, 14),
+                  KX_SLOT(OrbelTest, GetStatus, 15)});
+}
+
+// Interfaces without a known operation are IUnknown and nothing more.
+static_assert(sizeof(OrbelProfiler) == sizeof(void*) && sizeof(OrbelEclipse) == sizeof(void*)
+                  && sizeof(OrbelSink) == sizeof(void*) && sizeof(OrbelBetaExtra) == sizeof(void*),
+              "one vtable pointer each");
+
 // --- derived interfaces: one object, the base at its start -------------------------------------
 
 // Records which operation a call reached; every other operation fails.
@@ -280,6 +327,19 @@ TEST(OrbelContractTest, NewRecordsWithoutPaddingAreAllZero)
     expectZeroButSize<SCPUStatus>("SCPUStatus");
     expectZeroButSize<SBatchAccessItem>("SBatchAccessItem");
     expectZeroButSize<SOrbelInfo>("SOrbelInfo", offsetof(SOrbelInfo, m_dwSize));
+    expectZeroButSize<SStartingPoint>("SStartingPoint");
+    expectZeroButSize<SProfilerStartingPoint>("SProfilerStartingPoint");
+    expectZeroButSize<SProfilerCapabilities>("SProfilerCapabilities");
+    expectZeroButSize<SProfilerStatus>("SProfilerStatus");
+    expectZeroButSize<SProfilerStatistic>("SProfilerStatistic");
+    expectZeroButSize<SProfilerArea>("SProfilerArea");
+    expectZeroButSize<SProfilerEncode>("SProfilerEncode");
+    expectZeroButSize<SCoverageRange>("SCoverageRange");
+    expectZeroButSize<CBuildStatus>("CBuildStatus");
+    expectZeroButSize<DebugService_JTAG::SScan_IN>("SScan_IN");
+    expectZeroButSize<DebugService_JTAG::SScan_OUT>("SScan_OUT");
+    expectZeroButSize<DebugService_JTAG::SLine_IN>("SLine_IN");
+    expectZeroButSize<DebugService_JTAG::SLine_OUT>("SLine_OUT");
 }
 
 TEST(OrbelContractTest, NewRecordsWithPointersOrPaddingAreZeroFieldByField)
@@ -309,9 +369,59 @@ TEST(OrbelContractTest, NewRecordsWithPointersOrPaddingAreZeroFieldByField)
     EXPECT_EQ(download.m_dwSize, 20u);
     EXPECT_EQ(download.m_dwFlags | download.m_aCodeOffset | download.m_aSymbolsOffset | download.m_byMemArea, 0u);
 
+    SHILInfo hil;
+    EXPECT_EQ(hil.m_dwFlags, 0u);
+    EXPECT_EQ(hil.m_pIDescriptor, nullptr);
+
     SBatchAccessHeader header;
     EXPECT_EQ(header.m_dwFlags | header.m_dwNumItems | header.m_dwNumRuns, 0u);
     EXPECT_EQ(header.m_qwStartAtTime | header.m_qwRunInterval, 0u);
+}
+
+TEST(OrbelContractTest, ScanDataSizesFollowTheBitCountAndTheFlags)
+{
+    using namespace DebugService_JTAG;
+    struct Case {
+        DWORD scanFlags;
+        DWORD numBits;
+        DWORD inSize;
+        DWORD outSize;
+    };
+    const Case cases[] = {
+        {0, 0, 0, 0},
+        {0, 1, 1, 1},
+        {0, 8, 1, 1},
+        {0, 13, 2, 2},
+        {Scan::scanNoTDI, 13, 0, 2},
+        {Scan::scanNoTDO, 13, 2, 0},
+        {Scan::scanNoTDI | Scan::scanNoTDO, 13, 0, 0},
+        {0, 0xFFFFFFFF, 0x20000000, 0x20000000},
+    };
+    for (const Case& c : cases) {
+        SScan_IN scan;
+        scan.m_dwScanFlags = c.scanFlags;
+        scan.m_dwNumBits = c.numBits;
+        EXPECT_EQ(Scan::IN_Size(scan), c.inSize) << c.scanFlags << "/" << c.numBits;
+        EXPECT_EQ(Scan::OUT_Size(scan), c.outSize) << c.scanFlags << "/" << c.numBits;
+    }
+}
+
+TEST(OrbelContractTest, CommandWordsComposeAsTheClientSendsThem)
+{
+    // Words quoted from the client's calls; each is built here from the named parts.
+    EXPECT_EQ(OrbelFlags::lfFindOrStart | OrbelFlags::lfIPCDiscovery | OrbelFlags::lfVisibility1, 0x181u);
+    EXPECT_EQ(OrbelDebugFlags::rcRun | OrbelDebugFlags::wmWait4, 0xC85u);
+    EXPECT_EQ(OrbelDebugFlags::rcRunUntilAddress | OrbelDebugFlags::wmWait2, 0x8Cu);
+    EXPECT_EQ(OrbelDebugFlags::bpDisable | OrbelDebugFlags::bpAllHardware, 0x78u);
+    EXPECT_EQ(1u | 2u | 4u | OrbelDebugFlags::bpHWSymbol | OrbelDebugFlags::bpHWOption, 0x8000Fu);
+    EXPECT_EQ(OrbelDebugFlags::dlList1 | OrbelDebugFlags::dlFromList | 3u | OrbelDebugFlags::dlRealTime, 0x11203u);
+    EXPECT_EQ(OrbelIDEFlags::dfReset | OrbelIDEFlags::dfTypeCoverage | OrbelIDEFlags::dfOpenNewFile, 0xA200000Du);
+    EXPECT_EQ(OrbelIDEFlags::dfStart | OrbelIDEFlags::dfTerminal, 0x11080000u);
+    EXPECT_EQ(OrbelIDEFlags::ofRead | OrbelIDEFlags::ofModuleHIL | OrbelIDEFlags::ofFloat, 0x80000043u);
+    EXPECT_EQ(OrbelIDEFlags::ofModuleDocument | OrbelIDEFlags::ofNameValue, 0x1Eu);
+    EXPECT_EQ(OrbelProfilerFlags::areaRegion | OrbelProfilerFlags::areaBit8 | OrbelProfilerFlags::areaBit9, 0x340u);
+    EXPECT_EQ(OrbelProjectFlags::boGetByIndex | 2u, 0x20002u);
+    EXPECT_EQ(OrbelProjectFlags::pcLink | OrbelProjectFlags::pcFlag, 0x13u);
 }
 
 TEST(OrbelContractTest, OptionSeparatorsDefaultForZero)
