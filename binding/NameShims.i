@@ -29,3 +29,7 @@ SWIGEXPORT void* SWIGSTDCALL CSharp_##DERIVED##_SWIGSharedPtrUpcast(void* derive
 KX_SHARED_UPCAST(CFileStream, IStream)
 KX_SHARED_UPCAST(CStringStream, IStream)
 KX_UPCAST(SType2, SType)
+KX_UPCAST(OrbelDebug2, OrbelDebug)
+KX_UPCAST(OrbelIDE2, OrbelIDE)
+KX_UPCAST(OrbelIDE3, OrbelIDE2)
+KX_UPCAST(OrbelProfiler2, OrbelProfiler)

@@ -24,6 +24,7 @@
 %include "Config.i"
 %include "TestSpec.i"
 %include "Results.i"
+%include "Connection.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

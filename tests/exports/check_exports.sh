@@ -22,18 +22,27 @@ finished=(
   CTestSpecification CTestBench
   CCoverageTestExpected CCoverageTestResult CProfilerTestResult CTestResult
   ProfilerTestResultsVector StrCoverageTestResultsMap StrProfilerTestResultsMap StrProfilerTestResultsVectorMap
+  ConnectionMgr CConnectionConfig QuillonInstanceInfo VectorQuillonInstanceInfo CQuillonVersion SPtrFactory
+  SOrbelInfo IID CLSID
+  Orbel OrbelCoverage OrbelDebug OrbelDebug2 OrbelEclipse OrbelHIL OrbelIDE OrbelIDE2 OrbelIDE3
+  OrbelProfiler OrbelProfiler2 OrbelProject OrbelSink OrbelTest
 )
 # Free functions and registration exports, named whole.
 finished_names=(
   CSharp_getModuleVersion CSharp_putStrStrMap
   SWIGRegisterExceptionCallbacks_kestrixOrbel SWIGRegisterExceptionArgumentCallbacks_kestrixOrbel
   SWIGRegisterStringCallback_kestrixOrbel
+  CSharp_new_SPtrFactoryConnectionMgr
 )
 # Names SWIG's own C# proxies call; the catalogue's names for them are shims beside them.
 allowed=(
   CSharp_CFileStream_SWIGSmartPtrUpcast
   CSharp_CStringStream_SWIGSmartPtrUpcast
   CSharp_SType2_SWIGUpcast
+  CSharp_OrbelDebug2_SWIGUpcast
+  CSharp_OrbelIDE2_SWIGUpcast
+  CSharp_OrbelIDE3_SWIGUpcast
+  CSharp_OrbelProfiler2_SWIGUpcast
 )
 
 have=$(nm -D --defined-only "$lib" | awk '{print $3}' | sort -u)

@@ -8,6 +8,7 @@ public static class ManagedTestMain {
     ProfilerConfigTests.Run();
     TestSpecTests.Run();
     ResultsTests.Run();
+    ConnectionTests.Run();
     return Check.Result("managed tests");
   }
 }
