@@ -40,7 +40,7 @@ bool integerFromEnvironment(const char* name, long& value)
     if (text == nullptr) {
         return false;
     }
-    value = std::strtol(text, nullptr, 0);
+    value = std::strtol(text, nullptr, 10);
     return true;
 }
 
@@ -313,18 +313,17 @@ int COrbelClient::launch(const char* workspace)
     SLaunchInfo info;
     info.m_pszWorkspace = workspace;
 
+    // The variables name an instance to attach to without launching one; the process id first.
     long pid = 0;
     long port = 0;
-    bool launched = false;
-    if (!integerFromEnvironment("ORBEL_SHAREDMEM_PID", pid) && !integerFromEnvironment("ORBEL_TCP_PORT", port)) {
-        launched = true;
-    }
-    char launchText[ERROR_TEXT_SIZE];
-    std::snprintf(launchText, sizeof(launchText), "Can not launch quillon: ID:%s Workspace:%s", "NULL",
-                  workspace != nullptr ? workspace : "NULL");
-    if (launched) {
+    const bool fromEnvironment =
+        integerFromEnvironment("ORBEL_SHAREDMEM_PID", pid) || integerFromEnvironment("ORBEL_TCP_PORT", port);
+    // No instance id is asked for: it reads "NULL".
+    const std::string launchText =
+        std::string("Can not launch quillon: ID:NULL Workspace:") + (workspace != nullptr ? workspace : "NULL");
+    if (!fromEnvironment) {
         if (m_orbel->Launch(LAUNCH_FLAGS, &info) < 0) {
-            setError(10, "%s", launchText);
+            setError(10, "%s", launchText.c_str());
             unload();
             return 0;
         }
@@ -341,7 +340,7 @@ int COrbelClient::launch(const char* workspace)
         unload();
         return 0;
     }
-    setError(10, "%s", launchText);
+    setError(10, "%s", launchText.c_str());
     unload();
     return 0;
 }
