@@ -20,8 +20,7 @@ namespace kestrix_fuzz {
     std::abort();
 }
 
-/// What `object` says through `serialize`, and whether any of its scalars is a single-quoted
-/// text that libyaml can only write double-quoted (its quotes are lost on saving).
+/// What `object` says through `serialize`.
 inline MeaningRecorder meaningOf(kestrix::ITestParserEventReceiver& object)
 {
     auto recorder = std::make_shared<MeaningRecorder>();

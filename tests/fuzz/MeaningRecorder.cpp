@@ -43,16 +43,21 @@ std::string MeaningRecorder::escapeSpecialChars(const std::string& text)
 
 void MeaningRecorder::write(const CYAMLScalar& scalar)
 {
+    const std::string expression = toExpressionText(scalar);
+    std::string quoted = toQuotedText(scalar);
     if (!scalar.isPlainText() && scalar.getStyle() == YAML_SINGLE_QUOTED_SCALAR_STYLE &&
         !CYAMLScalarAnalysis(scalar.getValue()).isSingleQuotedAllowed()) {
-        m_hasUnwritableSingleQuotes = true;
+        // libyaml writes no single quotes around such a text: a longer text is saved as plain
+        // text, and a character literal has no form that keeps it.
+        quoted = scalar.getValue();
+        m_hasUnwritableCharacter |= expression != scalar.getValue();
     }
     m_text += "scalar [";
     append(scalar.getValue());
     m_text += "] expression [";
-    append(toExpressionText(scalar));
+    append(expression);
     m_text += "] quoted [";
-    append(toQuotedText(scalar));
+    append(quoted);
     m_text += "]\n";
 }
 

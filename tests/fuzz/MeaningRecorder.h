@@ -15,9 +15,10 @@ public:
     using IEmitter::writeMappingPair;
 
     const std::string& text() const { return m_text; }
-    /// Whether a single-quoted scalar was seen that libyaml can only write double-quoted: its
-    /// quoted text, and for a character literal its expression text, do not survive a save.
-    bool hasUnwritableSingleQuotes() const { return m_hasUnwritableSingleQuotes; }
+    /// Whether a character literal was seen that libyaml can only write double-quoted (a tab):
+    /// it does not survive a save. A longer single-quoted text that libyaml must double-quote is
+    /// recorded with the quoted text it has after saving, its plain text.
+    bool hasUnwritableCharacter() const { return m_hasUnwritableCharacter; }
 
     void startStream(const std::string& header) override;
     void startStream() override;
@@ -52,7 +53,7 @@ private:
     void append(const std::string& text);
 
     std::string m_text;
-    bool m_hasUnwritableSingleQuotes = false;
+    bool m_hasUnwritableCharacter = false;
 };
 
 } // namespace kestrix_fuzz

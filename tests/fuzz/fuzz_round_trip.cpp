@@ -43,7 +43,7 @@ void checkFixedPoint(const std::string& text, Parse parse, const char* kind)
         fail(kind, saved, savedAgain + "\n--- the second save differs from the first");
     }
     const MeaningRecorder meaning = meaningOf(*first);
-    if (!meaning.hasUnwritableSingleQuotes() && meaning.text() != meaningOf(*second).text()) {
+    if (!meaning.hasUnwritableCharacter() && meaning.text() != meaningOf(*second).text()) {
         fail(kind, meaning.text(), meaningOf(*second).text() + "\n--- the meaning changed in saving:\n" + saved);
     }
 }

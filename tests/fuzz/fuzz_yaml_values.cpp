@@ -141,9 +141,15 @@ bool isSame(const CYAMLScalar& a, const CYAMLScalar& b)
 
 void checkScalar(const CYAMLScalar& scalar)
 {
-    const bool hasUnwritableSingleQuotes = !scalar.isPlainText() &&
-                                           scalar.getStyle() == YAML_SINGLE_QUOTED_SCALAR_STYLE &&
-                                           !CYAMLScalarAnalysis(scalar.getValue()).isSingleQuotedAllowed();
+    // libyaml writes no single quotes around a text that needs escapes: a longer text is then
+    // written as plain text, and a character literal (a tab) has no form that keeps it.
+    const std::string expression = toExpressionText(scalar);
+    std::string quoted = toQuotedText(scalar);
+    if (!scalar.isPlainText() && scalar.getStyle() == YAML_SINGLE_QUOTED_SCALAR_STYLE &&
+        !CYAMLScalarAnalysis(scalar.getValue()).isSingleQuotedAllowed()) {
+        quoted = scalar.getValue();
+    }
+    const bool isKeepable = quoted != scalar.getValue() || expression == scalar.getValue();
     for (int place = 0; place < 4; ++place) {
         const bool isFlow = place & 1, isKey = place & 2;
         const std::string raw = document(isFlow, isKey, [&](yaml_emitter_t& emitter) {
@@ -174,10 +180,9 @@ void checkScalar(const CYAMLScalar& scalar)
             }
         }
         const CYAMLScalar read = readScalar(out.str(), isKey);
-        const bool isSameText = read.getValue() == scalar.getValue() &&
-                                toExpressionText(read) == toExpressionText(scalar) &&
-                                toQuotedText(read) == toQuotedText(scalar);
-        if (!isSameText && !hasUnwritableSingleQuotes) {
+        const bool isSameText = read.getValue() == scalar.getValue() && toExpressionText(read) == expression &&
+                                toQuotedText(read) == quoted;
+        if (!isSameText && isKeepable) {
             fail("written scalar reads back with another text", describe(scalar), out.str() + "\n" + describe(read));
         }
     }
