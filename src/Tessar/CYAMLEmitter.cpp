@@ -105,6 +105,7 @@ void CYAMLEmitter::endStream()
 
 void CYAMLEmitter::startDocument(bool isImplicit)
 {
+    m_levels.clear();
     yaml_event_t event;
     yaml_document_start_event_initialize(&event, nullptr, nullptr, nullptr, isImplicit ? 1 : 0);
     emit(&event, "Emitter start document error: ");
