@@ -63,10 +63,11 @@ private:
 };
 
 /// The text of a scalar as it leaves YAML for an expression: double-quoted text keeps its
-/// quotes, a single-quoted text of one character (or a backslash escape) is a character literal.
+/// quotes, a single-quoted text of one character (or a backslash escape) is a character literal,
+/// plain text (`isPlainText`) has none, whatever it was written with.
 std::string toExpressionText(const CYAMLScalar& scalar);
 
-/// The text with the quotes it was written with, whatever its length.
+/// The text with the quotes it was written with, whatever its length; plain text has none.
 std::string toQuotedText(const CYAMLScalar& scalar);
 
 /// Byte-wise comparison of `toExpressionText` of both, without building the texts.
