@@ -1,5 +1,6 @@
 #include "CYAMLEmitter.h"
 
+#include "CYAMLScalarAnalysis.h"
 #include "IOException.h"
 #include "IllegalArgumentException.h"
 #include "IllegalStateException.h"
@@ -104,6 +105,7 @@ void CYAMLEmitter::endStream()
 
 void CYAMLEmitter::startDocument(bool isImplicit)
 {
+    m_levels.clear();
     yaml_event_t event;
     yaml_document_start_event_initialize(&event, nullptr, nullptr, nullptr, isImplicit ? 1 : 0);
     emit(&event, "Emitter start document error: ");
@@ -130,6 +132,34 @@ std::string CYAMLEmitter::escapeSpecialChars(const std::string& text)
 
 void CYAMLEmitter::write(const CYAMLScalar& scalar)
 {
+    if (isKeptAsWritten(scalar)) {
+        emitScalar(scalar);
+    } else {
+        // Plain text keeps its expression text in any form libyaml chooses.
+        emitScalar(scalar.toPlainText());
+    }
+    advance();
+}
+
+bool CYAMLEmitter::isKeptAsWritten(const CYAMLScalar& scalar) const
+{
+    // Plain implicit text reads back as plain text, a double-quoted string as itself.
+    const bool isPlainImplicit = scalar.getPlainImplicit() != 0 && scalar.getQuotedImplicit() == 0;
+    if (isPlainImplicit || scalar.getTag() == CYAMLScalar::NON_SPECIFIC_TAG ||
+        (scalar.getStyle() == YAML_DOUBLE_QUOTED_SCALAR_STYLE && !scalar.isPlainText())) {
+        return true;
+    }
+    const bool isFlow = !m_levels.empty() && m_levels.back().isFlow;
+    const bool isKey = !m_levels.empty() && m_levels.back().isMapping && m_levels.back().isKeyNext;
+    const CYAMLScalar read = CYAMLScalarAnalysis::readBack(scalar, isFlow, isKey);
+    const std::string expression = toExpressionText(scalar);
+    const bool isSame = toExpressionText(read) == expression && toQuotedText(read) == toQuotedText(scalar);
+    // A character or string literal that libyaml cannot keep has no form that keeps it.
+    return isSame || expression != scalar.getValue();
+}
+
+void CYAMLEmitter::emitScalar(const CYAMLScalar& scalar)
+{
     yaml_event_t event;
     scalar.initStartEvent(&event);
     if (!tryEmit(&event)) {
@@ -139,28 +169,52 @@ void CYAMLEmitter::write(const CYAMLScalar& scalar)
     }
 }
 
-void CYAMLEmitter::write(const CYAMLSequence& sequence)
+void CYAMLEmitter::emitStart(const CYAMLObject& collection, const char* prefix)
 {
     yaml_event_t event;
-    sequence.initStartEvent(&event);
-    emit(&event, "YAML emitter error in sequence: ");
+    collection.initStartEvent(&event);
+    const bool isMapping = event.type == YAML_MAPPING_START_EVENT;
+    const bool isFlowStyle = isMapping ? event.data.mapping_start.style == YAML_FLOW_MAPPING_STYLE
+                                       : event.data.sequence_start.style == YAML_FLOW_SEQUENCE_STYLE;
+    const bool isFlow = (!m_levels.empty() && m_levels.back().isFlow) || isFlowStyle;
+    emit(&event, prefix);
+    m_levels.push_back(Level{isFlow, isMapping, true});
+}
+
+void CYAMLEmitter::emitCollectionEnd(int (*init)(yaml_event_t*), const char* prefix)
+{
+    emitEnd(init, prefix);
+    if (!m_levels.empty()) {
+        m_levels.pop_back();
+    }
+    advance();
+}
+
+void CYAMLEmitter::advance()
+{
+    if (!m_levels.empty() && m_levels.back().isMapping) {
+        m_levels.back().isKeyNext = !m_levels.back().isKeyNext;
+    }
+}
+
+void CYAMLEmitter::write(const CYAMLSequence& sequence)
+{
+    emitStart(sequence, "YAML emitter error in sequence: ");
     for (const auto& item : sequence.getItems()) {
         write(item);
     }
-    emitEnd(&yaml_sequence_end_event_initialize, "YAML emitter error: ");
+    emitCollectionEnd(&yaml_sequence_end_event_initialize, "YAML emitter error: ");
 }
 
 void CYAMLEmitter::write(const CYAMLMap& map)
 {
-    yaml_event_t event;
-    map.initStartEvent(&event);
-    emit(&event, "YAML m_emitter error: ");
+    emitStart(map, "YAML m_emitter error: ");
     for (const auto& key : map.getKeyTexts()) {
         const auto& entry = map.entryOf(key);
         write(entry.first);
         write(static_cast<const CYAMLObject&>(*entry.second));
     }
-    emitEnd(&yaml_mapping_end_event_initialize, "YAML emitter error: ");
+    emitCollectionEnd(&yaml_mapping_end_event_initialize, "YAML emitter error: ");
 }
 
 void CYAMLEmitter::write(const std::string& value)
@@ -170,26 +224,22 @@ void CYAMLEmitter::write(const std::string& value)
 
 void CYAMLEmitter::writeMapStart(const CYAMLMap& map)
 {
-    yaml_event_t event;
-    map.initStartEvent(&event);
-    emit(&event, "YAML emitter error: ");
+    emitStart(map, "YAML emitter error: ");
 }
 
 void CYAMLEmitter::writeMapEnd()
 {
-    emitEnd(&yaml_mapping_end_event_initialize, "YAML emitter error: ");
+    emitCollectionEnd(&yaml_mapping_end_event_initialize, "YAML emitter error: ");
 }
 
 void CYAMLEmitter::writeSequenceStart(const CYAMLSequence& sequence)
 {
-    yaml_event_t event;
-    sequence.initStartEvent(&event);
-    emit(&event, "YAML emitter error: ");
+    emitStart(sequence, "YAML emitter error: ");
 }
 
 void CYAMLEmitter::writeSequenceEnd()
 {
-    emitEnd(&yaml_sequence_end_event_initialize, "YAML emitter error: ");
+    emitCollectionEnd(&yaml_sequence_end_event_initialize, "YAML emitter error: ");
 }
 
 void CYAMLEmitter::mapStart(EFlowStyle style)

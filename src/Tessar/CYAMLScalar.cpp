@@ -73,8 +73,14 @@ void CYAMLScalar::initStartEvent(yaml_event_t* event) const
     }
     // libyaml copies the value; it only reads through the pointer.
     auto* value = reinterpret_cast<yaml_char_t*>(const_cast<char*>(m_value.c_str()));
-    if (!yaml_scalar_event_initialize(event, toYaml(m_anchor), toYaml(m_tag), value, static_cast<int>(m_length),
-                                      m_plainImplicit, m_quotedImplicit, static_cast<yaml_scalar_style_t>(m_style))) {
+    // libyaml spells "!" as a tag of its own `!<%21>`; its non-specific tag is the plain
+    // implicit flag, which it writes as "!" in front of a quoted form.
+    const bool isNonSpecific = m_tag == NON_SPECIFIC_TAG;
+    const int plainImplicit = isNonSpecific ? 1 : m_plainImplicit;
+    const int quotedImplicit = isNonSpecific ? 0 : m_quotedImplicit;
+    if (!yaml_scalar_event_initialize(event, toYaml(m_anchor), isNonSpecific ? nullptr : toYaml(m_tag), value,
+                                      static_cast<int>(m_length), plainImplicit, quotedImplicit,
+                                      static_cast<yaml_scalar_style_t>(m_style))) {
         throw IOException(KX_POS, "CYAMLScalar::initStartEvent failed!")
             .add("anchor", m_anchor)
             .add("tag", m_tag)
@@ -89,6 +95,21 @@ void CYAMLScalar::initStartEvent(yaml_event_t* event) const
 void CYAMLScalar::setValue(const std::string& value)
 {
     assignPlain(value);
+}
+
+bool CYAMLScalar::isPlainText() const
+{
+    const bool isQuoted = m_style == YAML_SINGLE_QUOTED_SCALAR_STYLE || m_style == YAML_DOUBLE_QUOTED_SCALAR_STYLE;
+    return !isQuoted || (m_plainImplicit != 0 && m_quotedImplicit == 0) || m_tag == NON_SPECIFIC_TAG;
+}
+
+CYAMLScalar CYAMLScalar::toPlainText() const
+{
+    CYAMLScalar plain(*this);
+    plain.m_tag.clear();
+    plain.m_plainImplicit = 1;
+    plain.m_quotedImplicit = 0;
+    return plain;
 }
 
 void CYAMLScalar::assignPlain(const std::string& value)
@@ -112,6 +133,9 @@ struct ExpressionView {
 
     static char quoteOf(const CYAMLScalar& scalar)
     {
+        if (scalar.isPlainText()) {
+            return 0;
+        }
         const std::string& value = scalar.getValue();
         switch (scalar.getStyle()) {
         case YAML_DOUBLE_QUOTED_SCALAR_STYLE:
@@ -165,6 +189,9 @@ std::string toExpressionText(const CYAMLScalar& scalar)
 std::string toQuotedText(const CYAMLScalar& scalar)
 {
     const std::string& value = scalar.getValue();
+    if (scalar.isPlainText()) {
+        return value;
+    }
     switch (scalar.getStyle()) {
     case YAML_DOUBLE_QUOTED_SCALAR_STYLE:
         return '"' + value + '"';

@@ -12,12 +12,12 @@ YamlFileReader::YamlFileReader(const std::string& fileName, int seekPos) : m_see
     if (m_file == nullptr) {
         throw IOException(KX_POS, "Can not open file with test specification!").add("file", fileName);
     }
-    if (std::fseek(m_file, seekPos, SEEK_SET) != 0) {
+    if (std::fseek(m_file, m_seekPos, SEEK_SET) != 0) {
         int error = errno;
         std::fclose(m_file);
         throw IOException(KX_POS, "Can not seek file with test specification!")
             .add("file", fileName)
-            .add("seekPos", seekPos)
+            .add("seekPos", m_seekPos)
             .add("errno", error);
     }
 }

@@ -38,6 +38,35 @@ std::shared_ptr<CYAMLObject> buildValue(const std::vector<yaml_event_t>& events,
     return ++pos, map;
 }
 
+/// The value of a one-document text.
+std::shared_ptr<CYAMLObject> valueOf(const std::string& yaml)
+{
+    ParsedEvents parsed(yaml);
+    size_t pos = 2; // behind stream start and document start
+    return buildValue(parsed.all(), pos);
+}
+
+/// Text, expression text and quoted text of each scalar of `value`, in order.
+std::string textsOf(const CYAMLObject& value)
+{
+    if (value.getType() == CYAMLObject::SCALAR) {
+        const CYAMLScalar& s = value.asScalar();
+        return "[" + s.getValue() + "|" + toExpressionText(s) + "|" + toQuotedText(s) + "]";
+    }
+    std::string texts;
+    if (value.getType() == CYAMLObject::SEQUENCE) {
+        for (const auto& item : value.asSequence().getItems()) {
+            texts += textsOf(item);
+        }
+        return texts;
+    }
+    for (const auto& key : value.asMap().getKeyTexts()) {
+        const auto& entry = value.asMap().entryOf(key);
+        texts += textsOf(entry.first) + textsOf(*entry.second);
+    }
+    return texts;
+}
+
 /// Runs `body` inside an implicit document of a stream and gives the text written.
 std::string emitted(const std::function<void(CYAMLEmitter&)>& body)
 {
@@ -72,6 +101,69 @@ TEST(CYAMLEmitterTest, ParsedDocumentIsWrittenBackAsItWasRead)
     size_t pos = 2; // behind stream start and document start
     const auto root = buildValue(parsed.all(), pos);
     EXPECT_EQ(yaml, emitted([&](CYAMLEmitter& e) { e.write(*root); }));
+}
+
+// Where libyaml cannot keep a scalar's style, it falls back to a quoted one; what reads back
+// must still be the same text with the same expression and quoted text. A plain text gets
+// libyaml's "!" in front of the quotes; so does a single-quoted or block text whose quotes
+// do not count, and a tagged plain text, which then loses its tag.
+TEST(CYAMLEmitterTest, ScalarsThatLibyamlRestylesReadBackWithTheirTexts)
+{
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"k: [!,]\n", "k: [! '']\n"},
+        {"k: [a\tb == 1]\n", "k: [! \"a\\tb == 1\"]\n"},
+        {"k: {-: 2, ? : 3}\n", "k: {! '-': 2, ! '': 3}\n"},
+        {"? \n: v\n", "! '': v\n"},
+        {"k: Gr\xc3\xbc\xc3\x9f" "e\n", "k: ! \"Gr\\xFC\\xDFe\"\n"},
+        {"k: |\n  a\tb\n", "k: ! \"a\\tb\\n\"\n"},
+        {"k: >-\n  trailing \n", "k: ! \"trailing \"\n"},
+        {"? |-\n  key\n: v\n", "! \"key\": v\n"},
+        {"k: [!local ,]\n", "k: [! '']\n"},
+        {"k: !local a\tb\n", "k: ! \"a\\tb\"\n"},
+        // What libyaml keeps stays as it was.
+        {"k: [!local a, 'abc', 'a', '', \"a\tb\"]\n", "k: [!local a, 'abc', 'a', '', \"a\\tb\"]\n"},
+        {"k: |\n  line\n? |\n  two\n  lines\n: v\n", "k: |\n  line\n? |\n  two\n  lines\n: v\n"},
+        {"k: !local\n", "k: !local\n"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.first);
+        const auto value = valueOf(row.first);
+        const std::string written = emitted([&](CYAMLEmitter& e) { e.write(*value); });
+        EXPECT_EQ(row.second, written);
+        EXPECT_EQ(textsOf(*value), textsOf(*valueOf(written)));
+        EXPECT_EQ(written, emitted([&](CYAMLEmitter& e) { e.write(*valueOf(written)); }));
+    }
+}
+
+// A block text that a caller writes into a flow collection cannot stay a block.
+TEST(CYAMLEmitterTest, BlockTextInAFlowCollectionIsWrittenAsPlainText)
+{
+    const CYAMLScalar literal = valueOf("k: |\n  a\n")->asMap().getValue("k")->asScalar();
+    const std::string written = emitted([&](CYAMLEmitter& e) {
+        e.sequenceStart(IEmitter::STYLE_FLOW), e.write(literal), e.sequenceEnd();
+    });
+    EXPECT_EQ("[! \"a\\n\"]\n", written);
+    EXPECT_EQ(textsOf(literal), textsOf(*valueOf(written)));
+}
+
+// YAML's single quotes hold no escapes, and libyaml writes no tab between them. A character
+// literal of a tab therefore has no form that keeps it: libyaml writes it double-quoted, and
+// it reads back as a string literal. A longer single-quoted text that needs escapes (a tab,
+// any non-ASCII character) keeps its expression text and loses only the quotes of its quoted text.
+TEST(CYAMLEmitterTest, SingleQuotedTabsCannotBeKept)
+{
+    const auto literal = valueOf("k: '\t'\n");
+    const std::string written = emitted([&](CYAMLEmitter& e) { e.write(*literal); });
+    EXPECT_EQ("k: \"\\t\"\n", written);
+    EXPECT_EQ("[k|k|k][\t|'\t'|'\t']", textsOf(*literal));
+    EXPECT_EQ("[k|k|k][\t|\"\t\"|\"\t\"]", textsOf(*valueOf(written)));
+
+    for (const std::string value : {"a\tb", "Gr\xc3\xbc\xc3\x9f" "e"}) {
+        const auto text = valueOf("k: '" + value + "'\n");
+        EXPECT_EQ("[k|k|k][" + value + "|" + value + "|'" + value + "']", textsOf(*text));
+        EXPECT_EQ("[k|k|k][" + value + "|" + value + "|" + value + "]",
+                  textsOf(*valueOf(emitted([&](CYAMLEmitter& e) { e.write(*text); }))));
+    }
 }
 
 TEST(CYAMLEmitterTest, BlockAndFlowStylesFromCallers)

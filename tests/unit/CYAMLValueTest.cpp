@@ -40,6 +40,12 @@ TEST(CYAMLScalarTest, ExpressionAndQuotedTextsKeepTheInputQuoting)
         {"\"abc\"", "\"abc\"", "\"abc\""}, {"abc", "abc", "abc"},  {"'a'", "'a'", "'a'"},
         {"'\\n'", "'\\n'", "'\\n'"},       {"''", "''", "''"},     {"'abc'", "abc", "'abc'"},
         {"'ab'", "ab", "'ab'"},
+        // libyaml writes a plain text that cannot stand plain quoted behind the non-specific tag;
+        // it reads back as plain implicit, so the quotes are not part of the text.
+        {"! \"a\tb == 1\"", "a\tb == 1", "a\tb == 1"}, {"! '-'", "-", "-"}, {"! ''", "", ""},
+        {"! 'a: b'", "a: b", "a: b"},
+        // Any other tag keeps the quotes' meaning.
+        {"!local 'a'", "'a'", "'a'"}, {"!!str \"s\"", "\"s\"", "\"s\""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row[0]);
@@ -73,6 +79,51 @@ TEST(CYAMLScalarTest, NumbersAndNewValuesArePlain)
     EXPECT_EQ(1, scalar.getPlainImplicit());
     EXPECT_EQ(0, scalar.getQuotedImplicit());
     EXPECT_EQ(3, scalar.getStyle());
+    // ... and its quotes no longer count: libyaml writes it as `! "xy"`, which reads as plain text.
+    EXPECT_EQ("xy", toExpressionText(scalar));
+    EXPECT_EQ("xy", toQuotedText(scalar));
+}
+
+// An empty node behind a bare "!" has neither implicit flag; handed to libyaml like that, the
+// tag would be written as `!<%21>` and read back as plain implicit, spelt `!` on the next save.
+TEST(CYAMLScalarTest, NonSpecificTagGoesToLibyamlAsThePlainImplicitFlag)
+{
+    const std::vector<std::vector<std::string>> rows = {
+        // flow sequence item, tag kept, tag handed to libyaml, plain and quoted implicit
+        {"!", "!", "", "1", "0"},           {"! 'x'", "!", "", "1", "0"}, {"&a !", "!", "", "1", "0"},
+        {"!local", "!local", "!local", "0", "0"}, {"'x'", "", "", "0", "1"},   {"x", "", "", "1", "0"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row[0]);
+        ParsedEvents events("[" + row[0] + " ]");
+        const CYAMLScalar scalar(events.get(YAML_SCALAR_EVENT));
+        EXPECT_EQ(row[1], scalar.getTag());
+        yaml_event_t event;
+        scalar.initStartEvent(&event);
+        const auto& data = event.data.scalar;
+        EXPECT_EQ(row[2], data.tag == nullptr ? "" : reinterpret_cast<const char*>(data.tag));
+        EXPECT_EQ(row[3], std::to_string(data.plain_implicit));
+        EXPECT_EQ(row[4], std::to_string(data.quoted_implicit));
+        yaml_event_delete(&event);
+    }
+    const CYAMLScalar empty = CYAMLScalar(ParsedEvents("[!,]").get(YAML_SCALAR_EVENT));
+    EXPECT_EQ("!", empty.getTag());
+    EXPECT_TRUE(empty.isPlainText());
+    EXPECT_EQ("", toExpressionText(empty));
+}
+
+TEST(CYAMLScalarTest, PlainTextCopyDropsTagAndQuotedFlag)
+{
+    CYAMLScalar scalar(ParsedEvents("[&n !local 'a']").get(YAML_SCALAR_EVENT));
+    EXPECT_FALSE(scalar.isPlainText());
+    const CYAMLScalar plain = scalar.toPlainText();
+    EXPECT_TRUE(plain.isPlainText());
+    EXPECT_EQ("", plain.getTag());
+    EXPECT_EQ("n", plain.getAnchor());
+    EXPECT_EQ(2, plain.getStyle());
+    EXPECT_EQ(1, plain.getPlainImplicit());
+    EXPECT_EQ(0, plain.getQuotedImplicit());
+    EXPECT_EQ("a", toExpressionText(plain));
 }
 
 TEST(CYAMLBoolTest, AcceptsExactlySixWordsAndWritesWords)
@@ -94,7 +145,7 @@ TEST(CYAMLBoolTest, AcceptsExactlySixWordsAndWritesWords)
     EXPECT_EQ("false", value.getValue());
     EXPECT_EQ(5u, value.getLength());
     value.setDefault(true);
-    EXPECT_TRUE(value.isEmpty());
+    EXPECT_TRUE(value.isPlainText());
     EXPECT_TRUE(value.getBool());
     const auto copy = value.clone();
     EXPECT_TRUE(dynamic_cast<CYAMLBool&>(*copy).getBool());
@@ -119,7 +170,7 @@ TEST(CYAMLEnumTest, LooksUpWholeWordsAndSetsByValue)
     const auto copy = format.clone();
     EXPECT_EQ(fmtYaml, dynamic_cast<CYAMLEnum<TestFormat>&>(*copy).getEnum());
     format.setDefault(fmtXml);
-    EXPECT_TRUE(format.isEmpty());
+    EXPECT_TRUE(format.isPlainText());
 }
 
 TEST(CYAMLMapTest, QuotedAndPlainKeysDifferAndDuplicatesFail)
@@ -142,6 +193,23 @@ TEST(CYAMLMapTest, QuotedAndPlainKeysDifferAndDuplicatesFail)
               failureOf<IllegalArgumentException>(
                   [&] { map.add(CYAMLScalar(events.get(YAML_SCALAR_EVENT, 2)), std::make_shared<CYAMLScalar>()); }));
     EXPECT_EQ(3u, map.getKeyTexts().size());
+}
+
+// A plain key that libyaml had to quote (`-` as `! '-'`, an empty key as `! ''`) is the same key
+// when read back; the single-quoted character is another.
+TEST(CYAMLMapTest, PlainKeyAndItsQuotedFormAreOneKey)
+{
+    ParsedEvents events("{-: 1, ? : 2, ! '-': 3, ! '': 4, '-': 5}");
+    CYAMLMap map;
+    for (size_t i = 0; i < 4; i += 2) {
+        map.add(CYAMLScalar(events.get(YAML_SCALAR_EVENT, i)), std::make_shared<CYAMLScalar>("v"));
+    }
+    for (size_t i = 4; i < 8; i += 2) {
+        EXPECT_THROW(map.add(CYAMLScalar(events.get(YAML_SCALAR_EVENT, i)), std::make_shared<CYAMLScalar>("v")),
+                     IllegalArgumentException);
+    }
+    map.add(CYAMLScalar(events.get(YAML_SCALAR_EVENT, 8)), std::make_shared<CYAMLScalar>("v"));
+    EXPECT_EQ((StrVector{"-", "", "'-'"}), map.getKeyTexts());
 }
 
 TEST(CYAMLMapTest, WrongKindsAreRefusedNamingTheType)

@@ -3,6 +3,7 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "IEmitter.h"
 #include "IStream.h"
@@ -54,6 +55,24 @@ public:
     void endDocumentAndStream();
 
 private:
+    /// A collection being written: how libyaml lays it out, and where its next node goes.
+    struct Level {
+        bool isFlow;
+        bool isMapping;
+        bool isKeyNext;
+    };
+
+    /// Whether `scalar`, written as it is in the next place, reads back with the same expression
+    /// and quoted texts. Not so when libyaml falls back to a quoted style, as for a tagged plain
+    /// text that cannot stand plain, or a single-quoted or block text that needs escapes.
+    bool isKeptAsWritten(const CYAMLScalar& scalar) const;
+    void emitScalar(const CYAMLScalar& scalar);
+    /// Emits the start event of a sequence or mapping and enters it.
+    void emitStart(const CYAMLObject& collection, const char* prefix);
+    /// Emits the end of the current collection and leaves it.
+    void emitCollectionEnd(int (*init)(yaml_event_t*), const char* prefix);
+    /// A node has filled the next place of the current collection.
+    void advance();
     /// Emits `event`, which libyaml takes over; false when libyaml fails.
     bool tryEmit(yaml_event_t* event);
     /// Emits `event`; on failure IOException `prefix` + libyaml's problem text.
@@ -67,6 +86,8 @@ private:
     std::shared_ptr<IStream> m_streamOwner;
     /// Set by a failed emit: libyaml's emitter is then only good for deletion.
     bool m_isFailed = false;
+    /// The open collections, outermost first.
+    std::vector<Level> m_levels;
 };
 
 } // namespace kestrix

@@ -10,6 +10,9 @@ namespace kestrix {
 /// A scalar: its text without quotes, and libyaml's implicit flags and scalar style.
 class CYAMLScalar : public CYAMLObject {
 public:
+    /// YAML's non-specific tag: the node is taken by its kind alone, whatever its quotes.
+    static constexpr const char* NON_SPECIFIC_TAG = "!";
+
     CYAMLScalar();
     // Built from text or numbers: plain and implicit, style left to the emitter.
     CYAMLScalar(const std::string& value);
@@ -39,6 +42,14 @@ public:
     void setValue(const std::string& value);
     void setStyle(int style) { m_style = style; }
 
+    /// Whether the text counts as plain, quotes or not. libyaml reads a quoted scalar behind the
+    /// non-specific tag "!" as plain implicit and not quoted implicit: that is the form in which
+    /// it writes a plain text that cannot stand plain (`! 'a: b'`, `! "a\tb"`).
+    bool isPlainText() const;
+    /// A copy with the flags of a plain text and no tag: libyaml writes it plain where it can,
+    /// and otherwise quoted behind "!", so it reads back as plain text.
+    CYAMLScalar toPlainText() const;
+
 protected:
     /// Sets text and length, plainImplicit 1, quotedImplicit 0.
     void assignPlain(const std::string& value);
@@ -52,10 +63,11 @@ private:
 };
 
 /// The text of a scalar as it leaves YAML for an expression: double-quoted text keeps its
-/// quotes, a single-quoted text of one character (or a backslash escape) is a character literal.
+/// quotes, a single-quoted text of one character (or a backslash escape) is a character literal,
+/// plain text (`isPlainText`) has none, whatever it was written with.
 std::string toExpressionText(const CYAMLScalar& scalar);
 
-/// The text with the quotes it was written with, whatever its length.
+/// The text with the quotes it was written with, whatever its length; plain text has none.
 std::string toQuotedText(const CYAMLScalar& scalar);
 
 /// Byte-wise comparison of `toExpressionText` of both, without building the texts.
