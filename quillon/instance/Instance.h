@@ -1,0 +1,41 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+
+#include "instance/Workspace.h"
+
+namespace quillon {
+
+/// One simulated Quillon: its id, its workspace and the TCP port number that `Attach` names.
+/// Instances live in the process; no socket is opened. Created and owned by `InstanceRegistry`,
+/// held by shared pointer by every attached session, so a session keeps its instance alive
+/// even after the registry has shut it down.
+class Instance {
+public:
+    Instance(std::string id, std::uint16_t port, Workspace workspace, std::string commandLine);
+    Instance(const Instance&) = delete;
+    Instance& operator=(const Instance&) = delete;
+
+    const std::string& id() const { return m_id; }
+    std::uint16_t port() const { return m_port; }
+    const Workspace& workspace() const { return m_workspace; }
+    /// The command line given at launch; kept, not interpreted.
+    const std::string& commandLine() const { return m_commandLine; }
+
+    /// Attached sessions; `InstanceRegistry::attach` and `detach` count them.
+    int clients() const { return m_clients.load(); }
+    void addClient() { ++m_clients; }
+    /// False if no session was attached.
+    bool removeClient();
+
+private:
+    const std::string m_id;
+    const std::uint16_t m_port;
+    const Workspace m_workspace;
+    const std::string m_commandLine;
+    std::atomic<int> m_clients{0};
+};
+
+} // namespace quillon

@@ -1,0 +1,117 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+/// The workspace of one Quillon instance: a YAML file that names the target, its memory and the
+/// files to download. `load` reads and checks the whole file at once; a default-constructed
+/// workspace has every default and no file.
+///
+/// File (keys not given take the defaults shown):
+///
+///     target:
+///       cpu: cortex-m3        # cortex-m0, cortex-m3, cortex-m4, cortex-m7
+///       clock: 16000000       # Hz, not zero
+///       memory:               # not given, null or []: derived from the download files
+///         - name: flash       # required, unique
+///           start: 0x0        # required, 32 bits
+///           size: 0x40000     # required, 32 bits, not zero, start + size <= 2^32
+///           access: rx        # r, w, x, each at most once; default rwx
+///     download:
+///       - file: build/fw.elf  # relative to the workspace's folder
+///     test:
+///       maxInstructions: 100000000   # 64 bits, not zero
+///
+/// Numbers are decimal or 0x hexadecimal. A key given with a null value (`target:`) is as if
+/// it were not given; a null scalar value is a missing value. Keys are case-sensitive.
+///
+/// Errors (`WorkspaceError`) are one line: "<file>: <problem>" for a file that cannot be read,
+/// else "<file>:<line>: <problem>" with the 1-based line of the offending node, where <file> is
+/// the path as given to `load` and <problem> is one of
+///     YAML error: <libyaml's problem> (<context>)
+///     more than one YAML document
+///     '<key>' must be a map | a list | a single value, not <what it is>
+///     unknown key '<name>' in '<map key>'           ("at top level" for the root)
+///     duplicate key '<name>' in '<map key>' (first on line <n>)
+///     missing key '<name>' in '<map key>'
+///     missing value for '<key>'
+///     bad number '<text>' for '<key>' (decimal or 0x hex)
+///     negative number '<text>' for '<key>'
+///     number '<text>' for '<key>' does not fit in <32|64> bits
+///     '<key>' must not be zero
+///     unknown cpu '<text>' for 'target.cpu' (cortex-m0, cortex-m3, cortex-m4, cortex-m7)
+///     bad access '<text>' for '<key>' (r, w, x, each at most once)
+///     duplicate memory area name '<name>' in '<key>' (first on line <n>)
+///     memory area '<name>' in '<key>' ends past 0xffffffff
+///     memory area '<name>' in '<key>' overlaps '<other>' (line <n>)
+/// where <key> is the dotted path with 0-based list indices: 'target.memory[1].size'.
+class Workspace {
+public:
+    enum class Cpu { CortexM0, CortexM3, CortexM4, CortexM7 };
+
+    /// Bits of `MemoryArea::access`.
+    enum Access : unsigned { Read = 1, Write = 2, Execute = 4 };
+
+    struct MemoryArea {
+        std::string name;
+        std::uint32_t start = 0;
+        std::uint32_t size = 0;
+        unsigned access = Read | Write | Execute;
+        int line = 0; ///< line of the area in the file, for later messages
+
+        /// One past the last byte; may be 2^32.
+        std::uint64_t end() const { return std::uint64_t(start) + size; }
+    };
+
+    struct DownloadFile {
+        std::filesystem::path file; ///< resolved against `folder()`, links resolved as far as it exists
+        int line = 0;
+    };
+
+    static constexpr Cpu kDefaultCpu = Cpu::CortexM3;
+    static constexpr std::uint32_t kDefaultClock = 16000000;
+    static constexpr std::uint64_t kDefaultMaxInstructions = 100000000;
+
+    /// The workspace of an instance launched without a workspace file.
+    Workspace() = default;
+
+    /// Reads and checks the file; throws `WorkspaceError` with the message described above.
+    static Workspace load(const std::filesystem::path& file);
+
+    /// Canonical path of the file (absolute, links resolved); empty for the default workspace.
+    const std::filesystem::path& file() const { return m_file; }
+    /// The folder that relative paths in the file are resolved against; empty without a file.
+    std::filesystem::path folder() const { return m_file.parent_path(); }
+
+    Cpu cpu() const { return m_cpu; }
+    std::uint32_t clock() const { return m_clock; }
+    /// The areas as given, in file order; empty when `memoryFromDownload()`.
+    const std::vector<MemoryArea>& memory() const { return m_memory; }
+    /// No memory was given: the areas are to be derived from the download files.
+    bool memoryFromDownload() const { return m_memory.empty(); }
+    const std::vector<DownloadFile>& downloads() const { return m_downloads; }
+    std::uint64_t maxInstructions() const { return m_maxInstructions; }
+
+    /// `path` made absolute with symbolic links, "." and ".." resolved as far as it exists: the
+    /// form of `file()` and of the download paths, so paths written differently compare equal.
+    static std::filesystem::path canonicalPath(const std::filesystem::path& path);
+
+    /// "cortex-m3" and so on: the name the file uses.
+    static const char* cpuName(Cpu cpu);
+
+private:
+    friend class WorkspaceParser;
+
+    std::filesystem::path m_file;
+    Cpu m_cpu = kDefaultCpu;
+    std::uint32_t m_clock = kDefaultClock;
+    std::vector<MemoryArea> m_memory;
+    std::vector<DownloadFile> m_downloads;
+    std::uint64_t m_maxInstructions = kDefaultMaxInstructions;
+};
+
+} // namespace quillon
