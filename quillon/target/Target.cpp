@@ -56,8 +56,8 @@ struct TargetHooks {
         }
     }
 
-    // The instruction a run starts at was passed over already when the run stopped there.
-    static bool isResumePoint(const Target* t, uint64_t address)
+    // The first instruction of a run, at its start address.
+    static bool isRunStart(const Target* t, uint64_t address)
     {
         return address == t->m_run.startPc && t->m_cycles.load(std::memory_order_relaxed) == t->m_run.startCycles + 1;
     }
@@ -66,7 +66,7 @@ struct TargetHooks {
     {
         auto* t = static_cast<Target*>(user);
         auto it = t->m_breakpoints.find(static_cast<uint32_t>(address));
-        if (it == t->m_breakpoints.end() || isResumePoint(t, address)) {
+        if (it == t->m_breakpoints.end() || (t->m_run.passBreakpointAtStart && isRunStart(t, address))) {
             return;
         }
         bool stops = false;
@@ -88,7 +88,7 @@ struct TargetHooks {
     static void onUntil(uc_engine*, uint64_t address, uint32_t, void* user) noexcept
     {
         auto* t = static_cast<Target*>(user);
-        if (!isResumePoint(t, address)) {
+        if (!isRunStart(t, address)) { // a run from an until-address goes on to its next pass
             t->m_hookStop.untilReached = static_cast<uint32_t>(address);
             t->stopBefore(static_cast<uint32_t>(address));
         }
@@ -145,10 +145,14 @@ template <class F> auto Target::withEngine(F&& f) const
     if (onEngineThread()) {
         return f();
     }
+    auto refuseWhileRunning = [this] {
+        if (m_running.load()) {
+            throw TargetError(TargetError::Kind::Running, "the target is running");
+        }
+    };
+    refuseWhileRunning(); // without waiting for the slice of the run that holds the engine
     std::lock_guard<std::mutex> lock(m_engineMutex);
-    if (m_running.load()) {
-        throw TargetError(TargetError::Kind::Running, "the target is running");
-    }
+    refuseWhileRunning();
     return f();
 }
 
@@ -267,6 +271,7 @@ void Target::reset()
         m_engine->writeRegister(UC_ARM_REG_XPSR, thumbBit);
         m_engine->writeRegister(UC_ARM_REG_PC, entry | 1u);
         m_cycles.store(0);
+        m_stoppedAtBreakpoint.reset();
         m_pc.store(entry & ~1u);
         StopInfo info;
         info.reason = StopReason::Reset;
@@ -407,6 +412,7 @@ void Target::prepareRun(const RunPlan& plan)
     m_run.startPc = m_engine->readRegister(UC_ARM_REG_PC);
     m_run.limitEnd = plan.limit == 0 ? 0 : m_run.startCycles + plan.limit;
     m_run.step = plan.step;
+    m_run.passBreakpointAtStart = plan.step || m_stoppedAtBreakpoint == m_run.startPc;
     try {
         for (uint32_t address : plan.until) {
             address &= ~1u;
@@ -622,6 +628,8 @@ void Target::finishRun(const StopInfo& info)
         }
     }
     m_run.untilHooks.clear();
+    bool byBreakpoint = info.reason == StopReason::Breakpoint && m_hookStop.breakpoint;
+    m_stoppedAtBreakpoint = byBreakpoint ? std::optional<uint32_t>(info.pc) : std::nullopt;
     m_pc.store(info.pc);
     {
         std::lock_guard<std::mutex> lock(m_statusMutex);

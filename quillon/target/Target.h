@@ -68,7 +68,8 @@ public:
     /// xPSR with the Thumb bit, other registers 0; cycles 0; stop reason Reset. Memory keeps its contents.
     void reset();
 
-    // Breakpoints, one per address (bit 0 ignored). Setting one again replaces it and its hit count.
+    // Breakpoints, one per address (bit 0 ignored). Setting one again replaces it and its hit count. A run stops at
+    // a breakpoint at its start address too, unless it resumes from a stop at that breakpoint; a step passes over it.
     void setBreakpoint(uint32_t address, BreakpointOptions options = {});
     bool removeBreakpoint(uint32_t address);
     void removeAllBreakpoints();
@@ -116,6 +117,7 @@ private:
     struct Run {
         uint64_t startCycles = 0;
         uint32_t startPc = 0;
+        bool passBreakpointAtStart = false;
         uint64_t limitEnd = 0; ///< cycle count that ends the run; 0: none
         bool step = false;
         std::vector<size_t> untilHooks;
@@ -175,6 +177,7 @@ private:
     };
     std::map<uint32_t, BreakpointEntry> m_breakpoints;
     std::optional<uint32_t> m_returnAddress;
+    std::optional<uint32_t> m_stoppedAtBreakpoint; ///< where the last run stopped by a breakpoint hook
     Run m_run;
     HookStop m_hookStop;
 

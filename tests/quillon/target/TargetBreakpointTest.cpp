@@ -135,12 +135,40 @@ TEST_F(TargetBreakpoint, ConditionReadsRegistersOfTheStoppedCore)
     EXPECT_EQ(target->readMemory(sym("g_filter") + 20, 1)[0], 3) << "three samples filtered before";
 }
 
-TEST_F(TargetBreakpoint, RunPassesOverABreakpointAtItsStart)
+TEST_F(TargetBreakpoint, BreakpointAtTheStartStopsUnlessTheRunResumesFromIt)
 {
     runToMain();
     target->setBreakpoint(sym("weighted_sum"));
-    EXPECT_EQ(call("weighted_sum", {1, 1, 1, 1}).reason, StopReason::Returned);
-    EXPECT_EQ(target->breakpoint(sym("weighted_sum"))->hits(), 0u);
+    uint64_t cycles = target->cycles();
+    EXPECT_EQ(call("weighted_sum", {1, 1, 1, 1}).reason, StopReason::Breakpoint);
+    EXPECT_EQ(target->cycles(), cycles) << "stopped before the first instruction";
+    EXPECT_EQ(target->runToStop().reason, StopReason::Returned);
+    EXPECT_EQ(target->breakpoint(sym("weighted_sum"))->hits(), 1u);
+}
+
+TEST_F(TargetBreakpoint, BreakpointWhereAnotherStopLandedStillHits)
+{
+    // An instruction limit that ends right before tick: the breakpoint there has not been passed yet.
+    runToMain();
+    prepareCall("count_ticks", {3});
+    RunOptions toTick;
+    toTick.until = {sym("tick")};
+    uint64_t cycles = target->cycles();
+    ASSERT_EQ(target->runToStop(toTick).reason, StopReason::RunUntilReached);
+    uint64_t instructionsToTick = target->cycles() - cycles;
+
+    makeTarget("cortex-m3");
+    runToMain();
+    target->setBreakpoint(sym("tick"));
+    RunOptions limit;
+    limit.instructionLimit = instructionsToTick;
+    StopInfo stop = call("count_ticks", {3}, limit);
+    ASSERT_EQ(stop.reason, StopReason::InstructionLimit);
+    ASSERT_EQ(stop.pc, sym("tick"));
+    stop = target->runToStop();
+    EXPECT_EQ(stop.reason, StopReason::Breakpoint);
+    EXPECT_EQ(stop.pc, sym("tick"));
+    EXPECT_EQ(word("g_ticks"), 0u) << "the first call of tick";
 }
 
 TEST_F(TargetBreakpoint, FailingConditionStopsAndSaysWhy)
