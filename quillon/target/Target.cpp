@@ -94,10 +94,9 @@ struct TargetHooks {
         }
     }
 
-    static bool onMemoryFault(uc_engine*, uc_mem_type type, uint64_t address, int, int64_t, void* user) noexcept
+    static bool onMemoryFault(uc_engine*, uc_mem_type, uint64_t address, int, int64_t, void* user) noexcept
     {
         auto* t = static_cast<Target*>(user);
-        t->m_hookStop.memoryType = type;
         t->m_hookStop.memoryAddress = address;
         return false; // the access fails and the engine stops with its error
     }

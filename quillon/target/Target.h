@@ -130,9 +130,8 @@ private:
         std::optional<uint32_t> breakpoint;
         std::optional<uint32_t> untilReached;
         std::string conditionError;
-        int exception = -1;
-        int memoryType = -1;
-        uint64_t memoryAddress = 0;
+        int exception = -1;         ///< the emulator's exception number
+        uint64_t memoryAddress = 0; ///< of a failed access
     };
 
     using Clock = std::chrono::steady_clock;
