@@ -182,23 +182,5 @@ TEST_F(TargetBreakpoint, FailingConditionStopsAndSaysWhy)
     EXPECT_EQ(stop.message, "breakpoint at " + hex32(sym("tick")) + ": condition failed: no symbol 'x' in the current scope");
 }
 
-TEST_F(TargetBreakpoint, BreakpointsNeedAStoppedTarget)
-{
-    runToMain();
-    target->setHostBudget(std::chrono::microseconds(0));
-    prepareCall("spin_forever", {});
-    target->run();
-    ASSERT_TRUE(target->isRunning());
-    try {
-        target->setBreakpoint(sym("tick"));
-        ADD_FAILURE();
-    } catch (const TargetError& e) {
-        EXPECT_EQ(e.kind(), TargetError::Kind::Running);
-    }
-    target->stop();
-    target->waitUntilStopped();
-    EXPECT_TRUE(target->breakpoints().empty());
-}
-
 } // namespace
 } // namespace quillon::target

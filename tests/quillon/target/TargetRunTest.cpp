@@ -176,6 +176,7 @@ TEST_F(TargetRun, StatusWhileRunningNeverBlocks)
              [&] { target->writeMemory(sym("g_ticks"), std::vector<uint8_t>{0}); },
              [&] { target->run(); },
              [&] { target->reset(); },
+             [&] { target->setBreakpoint(sym("tick")); },
          }) {
         try {
             access();

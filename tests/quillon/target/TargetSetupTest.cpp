@@ -136,22 +136,5 @@ TEST_F(TargetSetup, MemoryOutsideAreasIsBadAddress)
     EXPECT_THROW(target->writeMemory(0x2000FFFE, std::vector<uint8_t>{1, 2, 3, 4}), TargetError);
 }
 
-TEST_F(TargetSetup, RestoreOfSnapshotUndoesARun)
-{
-    runToMain();
-    MemoryMap::Snapshot start = target->snapshot();
-    ASSERT_EQ(call("count_ticks", {5}).reason, StopReason::Returned);
-    ASSERT_EQ(word("g_ticks"), 5u);
-    target->restore(start);
-    EXPECT_EQ(word("g_ticks"), 0u);
-}
-
-TEST_F(TargetSetup, SimulatedTimeIsCyclesOverClock)
-{
-    runToMain();
-    ASSERT_GT(target->cycles(), 0u);
-    EXPECT_DOUBLE_EQ(target->simulatedSeconds(), static_cast<double>(target->cycles()) / 16e6);
-}
-
 } // namespace
 } // namespace quillon::target
