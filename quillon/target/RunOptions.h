@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 namespace quillon::target {
@@ -13,9 +12,6 @@ struct RunOptions {
     std::vector<uint32_t> until;
     /// Stop after this many instructions of the run; 0: no limit.
     uint64_t instructionLimit = 0;
-    /// An address no code has (bit 0 is ignored; it may be unmapped, but not 0xFFFFFFxx). A call sets LR to it
-    /// with bit 0 set; reaching it ends the run as Returned.
-    std::optional<uint32_t> returnAddress;
 };
 
 } // namespace quillon::target

@@ -77,8 +77,8 @@ public:
     std::optional<Breakpoint> breakpoint(uint32_t address) const;
     std::vector<Breakpoint> breakpoints() const;
 
-    /// The address that ends a call: while set, reaching it stops any run as Returned. Bit 0 is ignored; the
-    /// caller puts it into LR with bit 0 set.
+    /// The address that ends a call: while set, reaching it stops any run, step or run-until as Returned. An
+    /// address no code has (it may be unmapped, but not 0xFFFFFFxx); bit 0 is ignored. The caller puts it into LR.
     void setReturnAddress(std::optional<uint32_t> address);
     std::optional<uint32_t> returnAddress() const;
 
