@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 
 namespace quillon::debuginfo {
 
@@ -53,12 +52,14 @@ ElfImage ElfImage::open(const std::string& path)
 {
     ElfImage image;
     image.m_path = path;
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(path, std::ios::binary | std::ios::ate);
     if (!in) {
         throw DebugInfoError("cannot open " + quoted(path) + ": " + std::strerror(errno));
     }
-    image.m_bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    if (in.bad()) {
+    const std::streamoff size = in.tellg();
+    in.seekg(0);
+    image.m_bytes.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+    if (!in.read(image.m_bytes.data(), static_cast<std::streamsize>(image.m_bytes.size()))) {
         throw DebugInfoError("cannot read " + quoted(path) + ": " + std::strerror(errno));
     }
     elf_version(EV_CURRENT);
@@ -90,13 +91,19 @@ void ElfImage::readHeader()
 
 void ElfImage::readSegments()
 {
+    GElf_Ehdr elfHeader;
+    gelf_getehdr(m_elf.get(), &elfHeader);
     size_t count = 0;
-    if (elf_getphdrnum(m_elf.get(), &count) != 0) {
-        throw DebugInfoError(quoted(m_path) + ": cannot read the program headers: " + elf_errmsg(-1));
+    const std::uint64_t tableEnd = elfHeader.e_phoff + std::uint64_t(elfHeader.e_phnum) * elfHeader.e_phentsize;
+    if (elf_getphdrnum(m_elf.get(), &count) != 0 || tableEnd > m_bytes.size()) {
+        throw DebugInfoError(quoted(m_path) + ": cannot read the program headers");
     }
     for (size_t i = 0; i < count; ++i) {
         GElf_Phdr header;
-        if (gelf_getphdr(m_elf.get(), static_cast<int>(i), &header) == nullptr || header.p_type != PT_LOAD) {
+        if (gelf_getphdr(m_elf.get(), static_cast<int>(i), &header) == nullptr) {
+            throw DebugInfoError(quoted(m_path) + ": cannot read the program headers");
+        }
+        if (header.p_type != PT_LOAD) {
             continue;
         }
         if (header.p_offset > m_bytes.size() || header.p_filesz > m_bytes.size() - header.p_offset ||
@@ -114,6 +121,9 @@ void ElfImage::readSegments()
         const auto* begin = reinterpret_cast<const std::uint8_t*>(m_bytes.data()) + header.p_offset;
         segment.bytes.assign(begin, begin + header.p_filesz);
         m_segments.push_back(std::move(segment));
+    }
+    if (m_segments.empty()) {
+        throw DebugInfoError(quoted(m_path) + " has no loadable segments");
     }
 }
 

@@ -11,6 +11,11 @@ bool isQualifier(Type::Kind kind)
     return kind == Type::Kind::Const || kind == Type::Kind::Volatile || kind == Type::Kind::Restrict;
 }
 
+unsigned qualifierBit(Type::Kind kind)
+{
+    return kind == Type::Kind::Const ? 1u : kind == Type::Kind::Volatile ? 2u : kind == Type::Kind::Restrict ? 4u : 0u;
+}
+
 const char* qualifierText(Type::Kind kind)
 {
     switch (kind) {
@@ -218,28 +223,35 @@ std::string Type::declarator(const std::string& inner) const
     case Kind::Const:
     case Kind::Volatile:
     case Kind::Restrict:
-        return qualifiedDeclarator(orVoid(m_target), m_kind, inner);
+        return qualifiedDeclarator(orVoid(m_target), qualifierBit(m_kind), inner);
     default:
         return joined(specifier(), inner);
     }
 }
 
-// A qualifier of a pointer is the pointer's own ("char *const"); one of an array is its elements'
-// ("const char[4]"); a repeated one is said once.
-std::string Type::qualifiedDeclarator(const Type& qualified, Kind qualifier, const std::string& inner)
+// Qualifiers of a pointer are the pointer's own ("char *const"); those of an array its elements'
+// ("const char[4]"). A run of them is said once each, in the order "const volatile restrict".
+std::string Type::qualifiedDeclarator(const Type& qualified, unsigned qualifiers, const std::string& inner)
 {
-    if (qualified.m_kind == qualifier) {
-        return qualified.declarator(inner);
+    const Type* type = &qualified;
+    while (isQualifier(type->m_kind)) {
+        qualifiers |= qualifierBit(type->m_kind);
+        type = &orVoid(type->m_target);
     }
-    if (qualified.m_kind == Kind::Array) {
-        const std::string count = qualified.m_count ? std::to_string(*qualified.m_count) : "";
-        return qualifiedDeclarator(orVoid(qualified.m_target), qualifier, inner + "[" + count + "]");
+    if (type->m_kind == Kind::Array) {
+        const std::string count = type->m_count ? std::to_string(*type->m_count) : "";
+        return qualifiedDeclarator(orVoid(type->m_target), qualifiers, inner + "[" + count + "]");
     }
-    const std::string text = qualifierText(qualifier);
-    if (qualified.m_kind == Kind::Pointer) {
-        return qualified.declarator(inner.empty() ? text : text + " " + inner);
+    std::string text;
+    for (Kind kind : {Kind::Const, Kind::Volatile, Kind::Restrict}) {
+        if ((qualifiers & qualifierBit(kind)) != 0) {
+            text += (text.empty() ? "" : " ") + std::string(qualifierText(kind));
+        }
     }
-    return text + " " + qualified.declarator(inner);
+    if (type->m_kind == Kind::Pointer) {
+        return type->declarator(joined(text, inner));
+    }
+    return text.empty() ? type->declarator(inner) : text + " " + type->declarator(inner);
 }
 
 std::string Type::specifier() const

@@ -96,7 +96,7 @@ public:
 
 private:
     std::string declarator(const std::string& inner) const;
-    static std::string qualifiedDeclarator(const Type& qualified, Kind qualifier, const std::string& inner);
+    static std::string qualifiedDeclarator(const Type& qualified, unsigned qualifiers, const std::string& inner);
     std::string specifier() const;
     std::string parameterList() const;
 
