@@ -4,6 +4,7 @@
 #include "debuginfo/LineTableReader.h"
 #include "debuginfo/LocationEvaluator.h"
 #include "debuginfo/ProgramReader.h"
+#include "debuginfo/SourcePath.h"
 
 #include <elfutils/libdw.h>
 
@@ -19,19 +20,6 @@ std::string hex(std::uint32_t value)
     char text[16];
     std::snprintf(text, sizeof text, "0x%x", value);
     return text;
-}
-
-// Whether `query` names `path`: the whole path, or its trailing components.
-bool namesFile(const std::string& query, const std::string& path)
-{
-    if (query.empty() || query.size() > path.size()) {
-        return false;
-    }
-    if (query.size() == path.size()) {
-        return query == path;
-    }
-    return path.compare(path.size() - query.size(), query.size(), query) == 0 &&
-           path[path.size() - query.size() - 1] == '/';
 }
 
 } // namespace
@@ -140,7 +128,7 @@ std::vector<const Variable*> DebugInfo::findGlobals(const std::string& name) con
 const Variable* DebugInfo::findGlobal(const std::string& file, const std::string& name) const
 {
     for (const Variable* global : findGlobals(name)) {
-        if (namesFile(file, m_units[global->unit].path)) {
+        if (SourcePath::names(file, m_units[global->unit].path)) {
             return global;
         }
     }
@@ -155,7 +143,7 @@ const Type* DebugInfo::findType(const std::string& text, std::optional<std::size
 std::optional<std::size_t> DebugInfo::findUnit(const std::string& file) const
 {
     for (std::size_t i = 0; i < m_units.size(); ++i) {
-        if (namesFile(file, m_units[i].path)) {
+        if (SourcePath::names(file, m_units[i].path)) {
             return i;
         }
     }

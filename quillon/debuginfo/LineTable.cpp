@@ -1,5 +1,7 @@
 #include "debuginfo/LineTable.h"
 
+#include "debuginfo/SourcePath.h"
+
 #include <algorithm>
 
 namespace quillon::debuginfo {
@@ -59,15 +61,7 @@ std::optional<LineTable::SourceLine> LineTable::find(std::uint32_t address) cons
 
 bool LineTable::matchesFile(const std::string& query, std::uint32_t file) const
 {
-    const std::string& path = m_files[file];
-    if (query.empty() || query.size() > path.size()) {
-        return false;
-    }
-    if (query.size() == path.size()) {
-        return query == path;
-    }
-    return path.compare(path.size() - query.size(), query.size(), query) == 0 &&
-           path[path.size() - query.size() - 1] == '/';
+    return SourcePath::names(query, m_files[file]);
 }
 
 std::vector<std::uint32_t> LineTable::addresses(const std::string& file, unsigned line) const

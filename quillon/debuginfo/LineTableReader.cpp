@@ -1,5 +1,7 @@
 #include "debuginfo/LineTableReader.h"
 
+#include "debuginfo/SourcePath.h"
+
 #include <dwarf.h>
 #include <gelf.h>
 #include <libelf.h>
@@ -313,6 +315,9 @@ void LineTableReader::readUnit(Dwarf_Die* unit, LineTable& table) const
     if (dwarf_getsrcfiles(unit, &files, &fileCount) != 0) {
         fileCount = 0;
     }
+    Dwarf_Attribute dirAttr;
+    const char* dir = dwarf_formstring(dwarf_attr(unit, DW_AT_comp_dir, &dirAttr));
+    const std::string compDir = dir ? dir : "";
     // The file register indexes libdw's file list directly, for DWARF 2 to 5 alike.
     std::vector<std::optional<std::uint32_t>> ids(fileCount);
     auto fileId = [&](std::uint64_t index) {
@@ -321,7 +326,7 @@ void LineTableReader::readUnit(Dwarf_Die* unit, LineTable& table) const
         }
         if (!ids[index]) {
             const char* name = dwarf_filesrc(files, index, nullptr, nullptr);
-            ids[index] = table.addFile(name ? name : "");
+            ids[index] = table.addFile(SourcePath::full(compDir, name ? name : ""));
         }
         return *ids[index];
     };

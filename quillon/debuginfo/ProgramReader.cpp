@@ -1,6 +1,7 @@
 #include "debuginfo/ProgramReader.h"
 
 #include "debuginfo/LocationReader.h"
+#include "debuginfo/SourcePath.h"
 
 #include <dwarf.h>
 
@@ -28,6 +29,7 @@ void ProgramReader::read(std::vector<CompileUnit>& units, std::vector<Function>&
         const std::size_t unit = units.size();
         m_unitHasLocationLists = false;
         units.push_back(readUnit(unitEntry));
+        m_compDir = units.back().compDir;
         units.back().version = version;
         for (const DwarfDie& child : unitEntry.children()) {
             const int tag = child.tag();
@@ -60,8 +62,7 @@ CompileUnit ProgramReader::readUnit(const DwarfDie& entry) const
     if (const char* producer = entry.attribute(DW_AT_producer, &attr) ? dwarf_formstring(&attr) : nullptr) {
         unit.producer = producer;
     }
-    unit.path = unit.name.empty() || unit.name.front() == '/' || unit.compDir.empty() ? unit.name
-                                                                                       : unit.compDir + "/" + unit.name;
+    unit.path = SourcePath::full(unit.compDir, unit.name);
     const int language = dwarf_srclang(entry.raw());
     unit.language = language > 0 ? static_cast<unsigned>(language) : 0;
     for (const AddressRange& range : entry.ranges()) {
@@ -96,7 +97,7 @@ void ProgramReader::readFunction(const DwarfDie& entry, std::size_t unit, std::v
     }
     function.unit = unit;
     function.isExternal = entry.flag(DW_AT_external);
-    function.declFile = entry.declFile();
+    function.declFile = SourcePath::full(m_compDir, entry.declFile());
     function.declLine = entry.declLine();
     function.returnType = m_typeReader.typeOf(entry, unit);
     function.frameBase = LocationReader::read(entry, DW_AT_frame_base);
@@ -163,7 +164,7 @@ Variable ProgramReader::readVariable(const DwarfDie& entry, std::size_t unit, bo
     variable.unit = unit;
     variable.isParameter = isParameter;
     variable.isExternal = entry.flag(DW_AT_external);
-    variable.declFile = entry.declFile();
+    variable.declFile = SourcePath::full(m_compDir, entry.declFile());
     variable.declLine = entry.declLine();
     if (entry.hasAttribute(DW_AT_location)) {
         variable.location = LocationReader::read(entry, DW_AT_location);

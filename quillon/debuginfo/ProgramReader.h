@@ -11,6 +11,7 @@
 #include <elfutils/libdw.h>
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 namespace quillon::debuginfo {
@@ -37,6 +38,7 @@ private:
     TypeTable& m_types;
     TypeReader m_typeReader;
     bool m_unitHasLocationLists = false; ///< of the unit being read
+    std::string m_compDir;               ///< of the unit being read
 };
 
 } // namespace quillon::debuginfo
