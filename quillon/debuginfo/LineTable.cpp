@@ -78,10 +78,17 @@ std::vector<std::uint32_t> LineTable::addresses(const std::string& file, unsigne
             if (i > 0 && !sameLine(rows[i], rows[i - 1])) {
                 stretchTaken = false;
             }
-            const std::uint32_t next = i + 1 < rows.size() ? rows[i + 1].address : sequence.end;
-            // A row of no length holds no code of its line.
-            if (stretchTaken || !rows[i].isStatement || next == rows[i].address || rows[i].line != line ||
-                !fileMatches[rows[i].file]) {
+            if (stretchTaken || !rows[i].isStatement || rows[i].line != line || !fileMatches[rows[i].file]) {
+                continue;
+            }
+            // Where another line's rows begin, this line's code ends; if that is right here, the
+            // row holds no code of its line.
+            size_t other = i + 1;
+            while (other < rows.size() && sameLine(rows[other], rows[i])) {
+                ++other;
+            }
+            const std::uint32_t end = other < rows.size() ? rows[other].address : sequence.end;
+            if (end == rows[i].address) {
                 continue;
             }
             result.push_back(rows[i].address);
