@@ -143,10 +143,10 @@ std::uint32_t LineTable::afterPrologue(std::uint32_t entry, const AddressRange& 
     if (!position) {
         return entry;
     }
+    // GCC gives the prologue a row of its own and starts another one after it, even on the same line.
     const std::vector<Row>& rows = position->sequence->rows;
-    const Row& first = rows[position->row];
     for (size_t i = position->row + 1; i < rows.size() && function.contains(rows[i].address); ++i) {
-        if (rows[i].isStatement && rows[i].address > entry && !sameLine(rows[i], first)) {
+        if (rows[i].isStatement && rows[i].address > entry) {
             return rows[i].address;
         }
     }

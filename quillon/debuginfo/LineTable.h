@@ -47,8 +47,8 @@ public:
     std::optional<AddressRange> lineRange(std::uint32_t address) const;
     /// Whether a statement row begins exactly at the address (a place where a line step stops).
     bool isStatementStart(std::uint32_t address) const;
-    /// The first statement row inside `function` of a line other than that of its entry: where a
-    /// breakpoint on a function stops after the prologue. The entry itself if there is none.
+    /// The first statement row inside `function` after the one at its entry: where the prologue
+    /// ends and a breakpoint on the function stops. The entry itself if there is none.
     std::uint32_t afterPrologue(std::uint32_t entry, const AddressRange& function) const;
     /// Whether `query` names the file of index `file` (full path or trailing components).
     bool matchesFile(const std::string& query, std::uint32_t file) const;
