@@ -3,6 +3,8 @@
 #include "debuginfo/LocationEvaluator.h"
 #include "debuginfo/LocationOp.h"
 
+#include <elfutils/libdw.h>
+
 #include <cstdlib>
 #include <memory>
 #include <vector>

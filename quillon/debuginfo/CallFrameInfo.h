@@ -3,11 +3,12 @@
 #include "debuginfo/CallerFrame.h"
 #include "debuginfo/FrameContext.h"
 
-#include <elfutils/libdw.h>
-
 #include <cstdint>
 #include <mutex>
 #include <optional>
+
+typedef struct Dwarf Dwarf;
+typedef struct Dwarf_CFI_s Dwarf_CFI;
 
 namespace quillon::debuginfo {
 

@@ -41,7 +41,12 @@ DebugInfo DebugInfo::open(const std::string& path)
     if (!info.m_dwarf) {
         throw DebugInfoError("'" + path + "' has no DWARF debug information");
     }
-    ProgramReader(info.m_dwarf.get(), info.m_elf, *info.m_types).read(info.m_units, info.m_functions, info.m_globals);
+    try {
+        ProgramReader(info.m_dwarf.get(), info.m_elf, *info.m_types)
+            .read(info.m_units, info.m_functions, info.m_globals);
+    } catch (const DebugInfoError& error) {
+        throw DebugInfoError("'" + path + "': " + error.what());
+    }
     info.m_lines = LineTableReader(info.m_dwarf.get(), info.m_elf).read();
     info.m_frames = std::make_unique<CallFrameInfo>(info.m_dwarf.get());
     info.index();

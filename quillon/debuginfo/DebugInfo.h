@@ -98,7 +98,7 @@ private:
                               std::optional<std::size_t> preferredUnit);
     static const AddressEntry* entryAt(const std::vector<AddressEntry>& entries, std::uint32_t address);
 
-    // Declared in the order of destruction's reverse: the CFI before the Dwarf before the ELF.
+    // Members go in reverse order: the CFI before the Dwarf before the ELF they read.
     ElfImage m_elf;
     std::unique_ptr<Dwarf, DwarfCloser> m_dwarf;
     std::unique_ptr<CallFrameInfo> m_frames;

@@ -66,7 +66,7 @@ TEST(ElfImage, EntryIsTheResetHandlerInThumbState)
     EXPECT_EQ(image().entry(), image().findSymbol("Reset_Handler")->address | 1);
 }
 
-TEST(ElfImage, FunctionSymbolsLoseTheThumbBit)
+TEST(ElfImage, SymbolsOfFunctionsLoseTheThumbBitThoseOfObjectsCarryTheirSize)
 {
     const ElfImage::Symbol* reset = image().findSymbol("Reset_Handler");
     ASSERT_NE(reset, nullptr);
@@ -74,10 +74,6 @@ TEST(ElfImage, FunctionSymbolsLoseTheThumbBit)
     EXPECT_TRUE(reset->thumb);
     EXPECT_EQ(reset->address % 2, 0u);
     EXPECT_TRUE(reset->global);
-}
-
-TEST(ElfImage, ObjectSymbolsCarryTheirSize)
-{
     const ElfImage::Symbol* shape = image().findSymbol("g_shape");
     ASSERT_NE(shape, nullptr);
     EXPECT_EQ(shape->kind, Kind::Object);
