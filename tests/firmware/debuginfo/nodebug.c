@@ -1,0 +1,5 @@
+/* A firmware without debug information. */
+int main(void)
+{
+    return 0;
+}
