@@ -36,14 +36,25 @@ std::vector<Program> Loader::download(const std::vector<std::string>& files, std
     return programs;
 }
 
+// A segment whose load address is its run address is written whole, zeros beyond the file's bytes included; one
+// that the startup code copies (.data in flash) only with the file's bytes: the zeros are the startup's job.
+std::uint64_t Loader::loadSize(const debuginfo::ElfImage::Segment& segment)
+{
+    if (segment.physicalAddress == segment.virtualAddress) {
+        return std::max<std::uint64_t>(segment.memorySize, segment.bytes.size());
+    }
+    return segment.bytes.size();
+}
+
 void Loader::check(const Program& program, std::uint32_t codeOffset) const
 {
     for (const auto& segment : program.elf().segments()) {
         std::uint64_t address = std::uint64_t(segment.physicalAddress) + codeOffset;
-        if (segment.memorySize != 0 && !m_target.memory().isMapped(address, segment.memorySize)) {
-            throw ServiceError(ServiceError::Kind::BadFile,
-                               "download file '" + program.path() + "': segment at " + hex(address) + " (" +
-                                   std::to_string(segment.memorySize) + " bytes) is outside the target's memory");
+        std::uint64_t size = loadSize(segment);
+        if (size != 0 && !m_target.memory().isMapped(address, size)) {
+            throw ServiceError(ServiceError::Kind::BadFile, "download file '" + program.path() + "': segment at " +
+                                                                hex(address) + " (" + std::to_string(size) +
+                                                                " bytes) is outside the target's memory");
         }
     }
 }
@@ -51,12 +62,11 @@ void Loader::check(const Program& program, std::uint32_t codeOffset) const
 void Loader::write(const Program& program, std::uint32_t codeOffset)
 {
     for (const auto& segment : program.elf().segments()) {
-        if (segment.memorySize == 0) {
-            continue;
-        }
         std::vector<std::uint8_t> bytes = segment.bytes;
-        bytes.resize(std::max<std::size_t>(bytes.size(), segment.memorySize), 0);
-        m_target.writeMemory(segment.physicalAddress + codeOffset, bytes);
+        bytes.resize(loadSize(segment), 0);
+        if (!bytes.empty()) {
+            m_target.writeMemory(segment.physicalAddress + codeOffset, bytes);
+        }
     }
 }
 
@@ -65,7 +75,7 @@ void Loader::start(const std::vector<Program>& programs, std::uint32_t codeOffse
     bool hasVectors = std::any_of(programs.begin(), programs.end(), [&](const Program& program) {
         const auto& segments = program.elf().segments();
         return std::any_of(segments.begin(), segments.end(), [&](const auto& segment) {
-            return segment.physicalAddress + codeOffset == 0 && segment.memorySize >= 8;
+            return segment.physicalAddress + codeOffset == 0 && loadSize(segment) >= 8;
         });
     });
     if (m_target.memory().isMapped(0, 8)) {

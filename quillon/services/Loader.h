@@ -20,6 +20,7 @@ public:
     std::vector<Program> download(const std::vector<std::string>& files, std::uint32_t codeOffset = 0);
 
 private:
+    static std::uint64_t loadSize(const debuginfo::ElfImage::Segment& segment);
     void check(const Program& program, std::uint32_t codeOffset) const;
     void write(const Program& program, std::uint32_t codeOffset);
     void start(const std::vector<Program>& programs, std::uint32_t codeOffset);

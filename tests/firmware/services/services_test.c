@@ -41,6 +41,7 @@ void tick(void)
 int main(void)
 {
     g_depth = 0;
+    g_total = (int)g_table[g_depth];
     depth(3);
     for (;;) {
         tick();
