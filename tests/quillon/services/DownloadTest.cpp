@@ -90,7 +90,8 @@ TEST_F(DownloadTest, SeveralFilesLoadInOrderAndTheFirstThatKnowsANameAnswers)
     both.download();
     EXPECT_EQ(both.programs(), (std::vector<std::string>{nodebugElf(), servicesElf()}));
     // both have main; the first file's symbol answers, the second's code lies over the first's
-    auto nodebugMain = debuginfo::ElfImage::open(nodebugElf()).findSymbol("main");
+    auto nodebug = debuginfo::ElfImage::open(nodebugElf());
+    const debuginfo::ElfImage::Symbol* nodebugMain = nodebug.findSymbol("main");
     ASSERT_NE(nodebugMain, nullptr);
     EXPECT_EQ(both.findSymbol(DebugService::Functions, "main")->address, nodebugMain->address);
     EXPECT_EQ(both.findSymbol(DebugService::Functions, "tick")->address, elfSymbol("tick"));
