@@ -18,44 +18,44 @@ std::string hex(std::uint32_t value)
 
 } // namespace
 
-std::string BreakpointTable::describe(const Spec& spec)
+std::string BreakpointTable::describe(const Settings& settings)
 {
-    switch (spec.kind) {
+    switch (settings.kind) {
     case Kind::Function:
-        return "function '" + spec.name + "' at " + hex(spec.address);
+        return "function '" + settings.name + "' at " + hex(settings.address);
     case Kind::Line:
-        return "line " + std::to_string(spec.line) + " of '" + spec.name + "' at " + hex(spec.address);
+        return "line " + std::to_string(settings.line) + " of '" + settings.name + "' at " + hex(settings.address);
     case Kind::Address:
         break;
     }
-    return "address " + hex(spec.address);
+    return "address " + hex(settings.address);
 }
 
-bool BreakpointTable::set(Spec spec, std::function<bool()> condition)
+bool BreakpointTable::set(Settings settings, std::function<bool()> condition)
 {
-    spec.address &= ~1u;
-    auto existing = m_specs.find(spec.address);
-    if (spec.hardware && (existing == m_specs.end() || !existing->second.hardware)) {
-        auto inUse = std::count_if(m_specs.begin(), m_specs.end(), [](const auto& s) { return s.second.hardware; });
+    settings.address &= ~1u;
+    auto existing = m_settings.find(settings.address);
+    if (settings.hardware && (existing == m_settings.end() || !existing->second.hardware)) {
+        auto inUse = std::count_if(m_settings.begin(), m_settings.end(), [](const auto& s) { return s.second.hardware; });
         if (static_cast<std::size_t>(inUse) >= hardwareLimit) {
-            throw ServiceError(ServiceError::Kind::Failed, "no free hardware breakpoint for " + describe(spec) + " (" +
+            throw ServiceError(ServiceError::Kind::Failed, "no free hardware breakpoint for " + describe(settings) + " (" +
                                                                std::to_string(hardwareLimit) + " in use)");
         }
     }
     target::BreakpointOptions options;
-    options.enabled = spec.enabled;
-    options.hitCount = spec.hitCount;
+    options.enabled = settings.enabled;
+    options.hitCount = settings.hitCount;
     options.condition = std::move(condition);
-    m_target.setBreakpoint(spec.address, std::move(options));
-    bool added = existing == m_specs.end();
-    m_specs[spec.address] = std::move(spec);
+    m_target.setBreakpoint(settings.address, std::move(options));
+    bool added = existing == m_settings.end();
+    m_settings[settings.address] = std::move(settings);
     return added;
 }
 
-std::map<std::uint32_t, BreakpointTable::Spec>::iterator BreakpointTable::find(std::uint32_t address)
+std::map<std::uint32_t, BreakpointTable::Settings>::iterator BreakpointTable::find(std::uint32_t address)
 {
-    auto it = m_specs.find(address & ~1u);
-    if (it == m_specs.end()) {
+    auto it = m_settings.find(address & ~1u);
+    if (it == m_settings.end()) {
         throw ServiceError(ServiceError::Kind::NoBreakpoint, "no breakpoint at " + hex(address & ~1u));
     }
     return it;
@@ -65,15 +65,15 @@ void BreakpointTable::remove(std::uint32_t address)
 {
     auto it = find(address);
     m_target.removeBreakpoint(it->first);
-    m_specs.erase(it);
+    m_settings.erase(it);
 }
 
 void BreakpointTable::removeAll()
 {
-    for (const auto& [address, spec] : m_specs) {
+    for (const auto& [address, settings] : m_settings) {
         m_target.removeBreakpoint(address);
     }
-    m_specs.clear();
+    m_settings.clear();
 }
 
 void BreakpointTable::enable(std::uint32_t address, bool enabled)
@@ -85,24 +85,24 @@ void BreakpointTable::enable(std::uint32_t address, bool enabled)
 
 void BreakpointTable::enableAll(bool hardware, bool enabled)
 {
-    for (auto& [address, spec] : m_specs) {
-        if (spec.hardware == hardware) {
+    for (auto& [address, settings] : m_settings) {
+        if (settings.hardware == hardware) {
             m_target.enableBreakpoint(address, enabled);
-            spec.enabled = enabled;
+            settings.enabled = enabled;
         }
     }
 }
 
-BreakpointTable::Entry BreakpointTable::entry(const Spec& spec) const
+BreakpointTable::Entry BreakpointTable::entry(const Settings& settings) const
 {
-    auto breakpoint = m_target.breakpoint(spec.address);
-    return Entry{spec, breakpoint ? breakpoint->hits() : 0};
+    auto breakpoint = m_target.breakpoint(settings.address);
+    return Entry{settings, breakpoint ? breakpoint->hits() : 0};
 }
 
 std::optional<BreakpointTable::Entry> BreakpointTable::at(std::uint32_t address) const
 {
-    auto it = m_specs.find(address & ~1u);
-    if (it == m_specs.end()) {
+    auto it = m_settings.find(address & ~1u);
+    if (it == m_settings.end()) {
         return std::nullopt;
     }
     return entry(it->second);
@@ -111,8 +111,8 @@ std::optional<BreakpointTable::Entry> BreakpointTable::at(std::uint32_t address)
 std::vector<BreakpointTable::Entry> BreakpointTable::list() const
 {
     std::vector<Entry> entries;
-    for (const auto& [address, spec] : m_specs) {
-        entries.push_back(entry(spec));
+    for (const auto& [address, settings] : m_settings) {
+        entries.push_back(entry(settings));
     }
     return entries;
 }

@@ -21,7 +21,7 @@ public:
     /// Hardware breakpoints the core's comparators allow at once.
     static constexpr std::size_t hardwareLimit = 6;
 
-    struct Spec {
+    struct Settings {
         Kind kind = Kind::Address;
         std::uint32_t address = 0; ///< resolved
         std::string name;          ///< function, or file of a line breakpoint
@@ -34,16 +34,16 @@ public:
     };
 
     struct Entry {
-        Spec spec;
+        Settings settings;
         /// Passes where the breakpoint was enabled and its condition held.
         std::uint64_t hits = 0;
     };
 
     explicit BreakpointTable(target::Target& target) : m_target(target) {}
 
-    /// Sets or replaces the breakpoint at spec.address; true when there was none. `condition` is the compiled
-    /// form of spec.condition (empty: none). A hardware breakpoint beyond the limit is a ServiceError Failed.
-    bool set(Spec spec, std::function<bool()> condition);
+    /// Sets or replaces the breakpoint at settings.address; true when there was none. `condition` is the compiled
+    /// form of settings.condition (empty: none). A hardware breakpoint beyond the limit is a ServiceError Failed.
+    bool set(Settings settings, std::function<bool()> condition);
     /// A ServiceError NoBreakpoint when none is at the address.
     void remove(std::uint32_t address);
     void removeAll();
@@ -56,14 +56,14 @@ public:
     std::vector<Entry> list() const;
 
     /// "function 'main' at 0x000001a4", "line 12 of 'main.c' at 0x...", "address 0x...".
-    static std::string describe(const Spec& spec);
+    static std::string describe(const Settings& settings);
 
 private:
-    std::map<std::uint32_t, Spec>::iterator find(std::uint32_t address);
-    Entry entry(const Spec& spec) const;
+    std::map<std::uint32_t, Settings>::iterator find(std::uint32_t address);
+    Entry entry(const Settings& settings) const;
 
     target::Target& m_target;
-    std::map<std::uint32_t, Spec> m_specs;
+    std::map<std::uint32_t, Settings> m_settings;
 };
 
 } // namespace quillon::services

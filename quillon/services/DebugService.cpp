@@ -368,15 +368,15 @@ bool DebugService::setBreakpoint(const BreakpointLocation& location, std::uint32
                                  const std::string& condition, bool hardware)
 {
     return serialized("set breakpoint", [&] {
-        BreakpointTable::Spec spec;
-        spec.kind = static_cast<BreakpointTable::Kind>(location.kind);
-        spec.address = resolve(location);
-        spec.name = location.name;
-        spec.line = location.line;
-        spec.hardware = hardware;
-        spec.hitCount = hitCount;
-        spec.condition = condition;
-        return m_breakpoints.set(std::move(spec), compileCondition(condition));
+        BreakpointTable::Settings settings;
+        settings.kind = static_cast<BreakpointTable::Kind>(location.kind);
+        settings.address = resolve(location);
+        settings.name = location.name;
+        settings.line = location.line;
+        settings.hardware = hardware;
+        settings.hitCount = hitCount;
+        settings.condition = condition;
+        return m_breakpoints.set(std::move(settings), compileCondition(condition));
     });
 }
 

@@ -95,7 +95,7 @@ TEST_F(BreakpointTest, DisabledBreakpointsDoNotStopAndCountNoHits)
     runToStop();
     EXPECT_EQ(function(), "add");
     EXPECT_EQ(hits(tick), 0u);
-    EXPECT_FALSE(service->breakpoint(tick)->spec.enabled);
+    EXPECT_FALSE(service->breakpoint(tick)->settings.enabled);
     service->enableBreakpoint(tick, true);
     runToStop();
     EXPECT_EQ(function(), "tick");
@@ -109,9 +109,9 @@ TEST_F(BreakpointTest, OneBreakpointAnAddressWhicheverWayItIsNamed)
     EXPECT_FALSE(service->setBreakpoint(BreakpointLocation::function("tick"), 2));
     std::vector<BreakpointTable::Entry> list = service->breakpoints();
     ASSERT_EQ(list.size(), 1u);
-    EXPECT_EQ(list[0].spec.kind, BreakpointTable::Kind::Function);
-    EXPECT_EQ(list[0].spec.hitCount, 2u);
-    EXPECT_EQ(BreakpointTable::describe(list[0].spec).rfind("function 'tick' at 0x", 0), 0u);
+    EXPECT_EQ(list[0].settings.kind, BreakpointTable::Kind::Function);
+    EXPECT_EQ(list[0].settings.hitCount, 2u);
+    EXPECT_EQ(BreakpointTable::describe(list[0].settings).rfind("function 'tick' at 0x", 0), 0u);
     service->deleteBreakpoint(line);
     EXPECT_TRUE(service->breakpoints().empty());
 
@@ -159,7 +159,7 @@ TEST_F(BreakpointTest, ConditionsStopOnlyWhereTheyHoldAndCountOnlyThosePasses)
     auto tick = BreakpointLocation::function("tick");
     service->setBreakpoint(tick, 0, "g_counter == 3");
     EXPECT_EQ(engine.conditions, std::vector<std::string>{"g_counter == 3"});
-    EXPECT_EQ(service->breakpoint(tick)->spec.condition, "g_counter == 3");
+    EXPECT_EQ(service->breakpoint(tick)->settings.condition, "g_counter == 3");
     CpuStatus status = runToStop();
     EXPECT_EQ(status.cause, StopCause::Breakpoint);
     EXPECT_EQ(counter(), 3u);
@@ -185,7 +185,7 @@ TEST_F(BreakpointTest, HardwareBreakpointsAreLimitedAndSwitchedApart)
 
     service->enableAllBreakpoints(true, false);
     for (const auto& entry : service->breakpoints()) {
-        EXPECT_EQ(entry.spec.enabled, !entry.spec.hardware) << BreakpointTable::describe(entry.spec);
+        EXPECT_EQ(entry.settings.enabled, !entry.settings.hardware) << BreakpointTable::describe(entry.settings);
     }
     CpuStatus status = runToStop();
     EXPECT_EQ(status.pc, elfSymbol("add") + 2); // the only enabled one
