@@ -25,6 +25,7 @@
 %include "TestSpec.i"
 %include "Results.i"
 %include "Connection.i"
+%include "Debug.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

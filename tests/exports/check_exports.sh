@@ -26,6 +26,10 @@ finished=(
   SOrbelInfo IID CLSID
   Orbel OrbelCoverage OrbelDebug OrbelDebug2 OrbelEclipse OrbelHIL OrbelIDE OrbelIDE2 OrbelIDE3
   OrbelProfiler OrbelProfiler2 OrbelProject OrbelSink OrbelTest
+  CPUStatus CDataController CExecutionController CBreakpointController CAddressController
+  CDownloadConfiguration DownloadListMember DownloadListVector CLoaderController CDebugFacade
+  SBatchAccessHeader SBatchAccessItem SBatchAccessItemResult VectorBatchAccessItem VectorBatchAccessResult
+  SScan_IN SScan_OUT SLine_IN SLine_OUT Scan
 )
 # Free functions and registration exports, named whole.
 finished_names=(
@@ -33,6 +37,7 @@ finished_names=(
   SWIGRegisterExceptionCallbacks_kestrixOrbel SWIGRegisterExceptionArgumentCallbacks_kestrixOrbel
   SWIGRegisterStringCallback_kestrixOrbel
   CSharp_new_SPtrFactoryConnectionMgr
+  CSharp_SERVICE_Scan_get
 )
 # Names SWIG's own C# proxies call; the catalogue's names for them are shims beside them.
 allowed=(

@@ -21,6 +21,7 @@
 #include "OrbelProject.h"
 #include "OrbelTest.h"
 #include "OrbelBetaExtra.h"
+#include "SDownload.h"
 
 using namespace kestrix;
 
@@ -54,6 +55,47 @@ void copyOut(const std::string& text, char* buffer, DWORD size)
 }
 
 HRESULT queryObject(const GUID& iid, void** object);
+
+/// The answer of an operation, or E_NOTIMPL while the test gave none.
+template <class Answer, class... Args>
+HRESULT answer(const Answer& function, Args... args)
+{
+    return function ? function(args...) : E_NOTIMPL;
+}
+
+std::string pointer(const void* p)
+{
+    return p != nullptr ? "data" : "NULL";
+}
+
+std::string serviceName(const GUID* service)
+{
+    if (service == nullptr) {
+        return "NULL";
+    }
+    if (*service == SERVICE_Line) {
+        return "SERVICE_Line";
+    }
+    if (*service == SERVICE_Scan) {
+        return "SERVICE_Scan";
+    }
+    return *service == SERVICE_Flash ? "SERVICE_Flash" : "other";
+}
+
+/// Type and value of a typed argument: "t<type>/<bits>=<hex>", "null" for none.
+std::string typed(const SValue* value, const SType* type)
+{
+    if (type == nullptr) {
+        return value == nullptr ? "null" : "value without type";
+    }
+    std::string text = "t" + std::to_string(type->m_byType) + "/" + std::to_string(type->m_byBitSize);
+    if (value != nullptr) {
+        char digits[24];
+        std::snprintf(digits, sizeof(digits), "=0x%llX", static_cast<unsigned long long>(value->m_qwValue));
+        text += digits;
+    }
+    return text;
+}
 
 /// IUnknown of every interface: references counted over the whole object, each Release recorded.
 template <class I>
@@ -140,7 +182,7 @@ public:
 
 class FakeIDE3 : public Fake<OrbelIDE3> {
 public:
-    explicit FakeIDE3(const char* name) : Fake<OrbelIDE3>(name) {}
+    explicit FakeIDE3(const char* name) : Fake<OrbelIDE3>(name), m_ownName(name) {}
 
     HRESULT GetQuillonVersion(DWORD size, SQuillonVersionInfo* info) override
     {
@@ -156,21 +198,36 @@ public:
     HRESULT Document(DWORD, const char*, const char*, DWORD) override { return E_NOTIMPL; }
     HRESULT Workspace(DWORD, const char*) override { return E_NOTIMPL; }
     HRESULT Application(DWORD, SApplicationData*) override { return E_NOTIMPL; }
-    HRESULT ServiceCall(DWORD, const GUID*, DWORD, const void*, DWORD, void*, DWORD) override { return E_NOTIMPL; }
+    HRESULT ServiceCall(DWORD flags, const GUID* service, DWORD inSize, const void* in, DWORD outSize, void* out,
+                        DWORD reserved) override
+    {
+        record(std::string(m_ownName) + ".ServiceCall(" + hex(flags) + ", " + serviceName(service) + ", " +
+               std::to_string(inSize) + ", " + std::to_string(outSize) + ", " + std::to_string(reserved) + ")");
+        return answer(g_state.script.debug.serviceCall, flags, service, inSize, in, outSize, out);
+    }
     HRESULT Reserved6() override { return E_NOTIMPL; }
     HRESULT Reserved7() override { return E_NOTIMPL; }
     HRESULT Reserved8() override { return E_NOTIMPL; }
     HRESULT Option(DWORD, const char*, const char*, SOptionValue*) override { return E_NOTIMPL; }
-    HRESULT ServiceCallData(DWORD, const GUID*, DWORD, const void*, DWORD, const void*, DWORD, void*, DWORD, void*,
-                            DWORD) override
+    HRESULT ServiceCallData(DWORD flags, const GUID* service, DWORD inSize, const void* in, DWORD inDataSize,
+                            const void* inData, DWORD outSize, void* out, DWORD outDataSize, void* outData,
+                            DWORD reserved) override
     {
-        return E_NOTIMPL;
+        record(std::string(m_ownName) + ".ServiceCallData(" + hex(flags) + ", " + serviceName(service) + ", " +
+               std::to_string(inSize) + ", " + std::to_string(inDataSize) + ", " + pointer(inData) + ", " +
+               std::to_string(outSize) + ", " + std::to_string(outDataSize) + ", " + pointer(outData) + ", " +
+               std::to_string(reserved) + ")");
+        return answer(g_state.script.debug.serviceCallData, flags, service, inSize, in, inDataSize, inData, outSize,
+                      out, outDataSize, outData);
     }
+
+private:
+    const char* m_ownName;
 };
 
 class FakeDebug2 : public Fake<OrbelDebug2> {
 public:
-    explicit FakeDebug2(const char* name) : Fake<OrbelDebug2>(name) {}
+    explicit FakeDebug2(const char* name) : Fake<OrbelDebug2>(name), m_ownName(name) {}
 
     HRESULT LaunchCore(DWORD kind, DWORD index, char* buffer, DWORD size) override
     {
@@ -179,30 +236,133 @@ public:
         return g_state.script.launchCoreResult;
     }
 
-    HRESULT GetCPUInfo(CCPUInfo*) override { return E_NOTIMPL; }
-    HRESULT GetAddress(DWORD, const char*, BYTE*, ADDRESS*, DWORD*, SType*) override { return E_NOTIMPL; }
-    HRESULT GetSymbolAtAddress(DWORD, BYTE, ADDRESS, char*, DWORD) override { return E_NOTIMPL; }
-    HRESULT GetAddressOfSourceLine(DWORD, const char*, int, ADDRESS*, DWORD*) override { return E_NOTIMPL; }
-    HRESULT GetSourceLineAtAddress(DWORD, ADDRESS, char*, DWORD, DWORD*) override { return E_NOTIMPL; }
-    HRESULT ReadMemory(DWORD, BYTE, ADDRESS, DWORD, BYTE*, BYTE, BYTE*) override { return E_NOTIMPL; }
-    HRESULT WriteMemory(DWORD, BYTE, ADDRESS, DWORD, BYTE*, BYTE, BYTE*) override { return E_NOTIMPL; }
-    HRESULT ReadRegister(DWORD, const char*, SValue*, SType*) override { return E_NOTIMPL; }
-    HRESULT WriteRegister(DWORD, const char*, const SValue*, const SType*) override { return E_NOTIMPL; }
-    HRESULT ReadValue(DWORD, BYTE, ADDRESS, SValue*, const SType*) override { return E_NOTIMPL; }
-    HRESULT WriteValue(DWORD, BYTE, ADDRESS, const SValue*, const SType*) override { return E_NOTIMPL; }
-    HRESULT Evaluate(DWORD, const char*, char*, DWORD, SValue*, SType*) override { return E_NOTIMPL; }
-    HRESULT Modify(DWORD, const char*, char*, DWORD, const SValue*, const SType*) override { return E_NOTIMPL; }
-    HRESULT GetCPUStatus(DWORD, SCPUStatus*) override { return E_NOTIMPL; }
-    HRESULT Breakpoint(DWORD, DWORD, ADDRESS, const char*, DWORD) override { return E_NOTIMPL; }
-    HRESULT RunControl(DWORD, DWORD, DWORD) override { return E_NOTIMPL; }
-    HRESULT Reserved17() override { return E_NOTIMPL; }
-    HRESULT BatchAccess(DWORD, const SBatchAccessHeader*, const SBatchAccessItem*, SBatchAccessItemResult*) override
+    HRESULT GetCPUInfo(CCPUInfo* info) override
     {
-        return E_NOTIMPL;
+        call("GetCPUInfo()");
+        return answer(g_state.script.debug.getCPUInfo, info);
+    }
+    HRESULT GetAddress(DWORD flags, const char* name, BYTE* memArea, ADDRESS* address, DWORD* size,
+                       SType* type) override
+    {
+        call("GetAddress(" + hex(flags) + ", " + textOf(name) + ")");
+        return answer(g_state.script.debug.getAddress, flags, name, memArea, address, size, type);
+    }
+    HRESULT GetSymbolAtAddress(DWORD flags, BYTE memArea, ADDRESS address, char* buffer, DWORD size) override
+    {
+        call("GetSymbolAtAddress(" + hex(flags) + ", " + std::to_string(memArea) + ", " + hex(address) + ", " +
+             std::to_string(size) + ")");
+        return answer(g_state.script.debug.getSymbolAtAddress, flags, memArea, address, buffer, size);
+    }
+    HRESULT GetAddressOfSourceLine(DWORD reserved, const char* fileName, int line, ADDRESS* addresses,
+                                   DWORD* count) override
+    {
+        call("GetAddressOfSourceLine(" + std::to_string(reserved) + ", " + textOf(fileName) + ", " +
+             std::to_string(line) + ", " + std::to_string(*count) + ")");
+        return answer(g_state.script.debug.getAddressOfSourceLine, fileName, line, addresses, count);
+    }
+    HRESULT GetSourceLineAtAddress(DWORD reserved, ADDRESS address, char* fileName, DWORD size, DWORD* line) override
+    {
+        call("GetSourceLineAtAddress(" + std::to_string(reserved) + ", " + hex(address) + ", " +
+             std::to_string(size) + ")");
+        return answer(g_state.script.debug.getSourceLineAtAddress, address, fileName, size, line);
+    }
+    HRESULT ReadMemory(DWORD flags, BYTE memArea, ADDRESS address, DWORD numMAUs, BYTE* data, BYTE bytesPerMAU,
+                       BYTE* results) override
+    {
+        call("ReadMemory(" + hex(flags) + ", " + std::to_string(memArea) + ", " + hex(address) + ", " +
+             std::to_string(numMAUs) + ", " + std::to_string(bytesPerMAU) + ")");
+        return answer(g_state.script.debug.readMemory, flags, memArea, address, numMAUs, data, bytesPerMAU, results);
+    }
+    HRESULT WriteMemory(DWORD flags, BYTE memArea, ADDRESS address, DWORD numMAUs, BYTE* data, BYTE bytesPerMAU,
+                        BYTE* results) override
+    {
+        call("WriteMemory(" + hex(flags) + ", " + std::to_string(memArea) + ", " + hex(address) + ", " +
+             std::to_string(numMAUs) + ", " + std::to_string(bytesPerMAU) + ")");
+        return answer(g_state.script.debug.writeMemory, flags, memArea, address, numMAUs, data, bytesPerMAU, results);
+    }
+    HRESULT ReadRegister(DWORD flags, const char* name, SValue* value, SType* type) override
+    {
+        call("ReadRegister(" + hex(flags) + ", " + textOf(name) + ")");
+        return answer(g_state.script.debug.readRegister, flags, name, value, type);
+    }
+    HRESULT WriteRegister(DWORD flags, const char* name, const SValue* value, const SType* type) override
+    {
+        call("WriteRegister(" + hex(flags) + ", " + textOf(name) + ", " + typed(value, type) + ")");
+        return answer(g_state.script.debug.writeRegister, flags, name, value, type);
+    }
+    HRESULT ReadValue(DWORD flags, BYTE memArea, ADDRESS address, SValue* value, const SType* type) override
+    {
+        call("ReadValue(" + hex(flags) + ", " + std::to_string(memArea) + ", " + hex(address) + ", " +
+             typed(nullptr, type) + ")");
+        return answer(g_state.script.debug.readValue, flags, memArea, address, value, type);
+    }
+    HRESULT WriteValue(DWORD flags, BYTE memArea, ADDRESS address, const SValue* value, const SType* type) override
+    {
+        call("WriteValue(" + hex(flags) + ", " + std::to_string(memArea) + ", " + hex(address) + ", " +
+             typed(value, type) + ")");
+        return answer(g_state.script.debug.writeValue, flags, memArea, address, value, type);
+    }
+    HRESULT Evaluate(DWORD flags, const char* expression, char* buffer, DWORD size, SValue* value,
+                     SType* type) override
+    {
+        call("Evaluate(" + hex(flags) + ", " + textOf(expression) + ", " + std::to_string(size) + ")");
+        return answer(g_state.script.debug.evaluate, flags, expression, buffer, size, value, type);
+    }
+    HRESULT Modify(DWORD flags, const char* expression, char* buffer, DWORD size, const SValue* value,
+                   const SType* type) override
+    {
+        call("Modify(" + hex(flags) + ", " + textOf(expression) + ", '" + textOf(buffer) + "', " +
+             std::to_string(size) + ", " + typed(value, type) + ")");
+        return answer(g_state.script.debug.modify, flags, expression, buffer, size, value, type);
+    }
+    HRESULT GetCPUStatus(DWORD flags, SCPUStatus* status) override
+    {
+        call("GetCPUStatus(" + hex(flags) + ")");
+        return answer(g_state.script.debug.getCPUStatus, flags, status);
+    }
+    HRESULT Breakpoint(DWORD command, DWORD memArea, ADDRESS address, const char* name, DWORD lineOrData) override
+    {
+        call("Breakpoint(" + hex(command) + ", " + std::to_string(memArea) + ", " + hex(address) + ", " +
+             textOf(name) + ", " + std::to_string(lineOrData) + ")");
+        return answer(g_state.script.debug.breakpoint, command, memArea, address, name, lineOrData);
+    }
+    HRESULT RunControl(DWORD command, DWORD second, DWORD third) override
+    {
+        call("RunControl(" + hex(command) + ", " + std::to_string(second) + ", " + hex(third) + ")");
+        return answer(g_state.script.debug.runControl, command, second, third);
+    }
+    HRESULT Reserved17() override { return E_NOTIMPL; }
+    HRESULT BatchAccess(DWORD flags, const SBatchAccessHeader* header, const SBatchAccessItem* items,
+                        SBatchAccessItemResult* results) override
+    {
+        call("BatchAccess(" + hex(flags) + ", " + std::to_string(header->m_dwNumItems) + ")");
+        return answer(g_state.script.debug.batchAccess, flags, header, items, results);
     }
     HRESULT Reserved19() override { return E_NOTIMPL; }
-    HRESULT Download(DWORD, char*, DWORD, void*, char*, DWORD) override { return E_NOTIMPL; }
-    HRESULT SetBP(DWORD, DWORD, ADDRESS, const char*, DWORD, int, const char*) override { return E_NOTIMPL; }
+    HRESULT Download(DWORD command, char* fileName, DWORD fileNameSize, void* download, char* options,
+                     DWORD optionsSize) override
+    {
+        const auto* record = static_cast<const SDownload*>(download);
+        call("Download(" + hex(command) + ", " + textOf(fileName) + ", " + std::to_string(fileNameSize) + ", {" +
+             std::to_string(record->m_dwSize) + ", " + hex(record->m_dwFlags) + ", " + hex(record->m_aCodeOffset) +
+             ", " + hex(record->m_aSymbolsOffset) + ", " + std::to_string(record->m_byMemArea) + "}, " +
+             textOf(options) + ", " + std::to_string(optionsSize) + ")");
+        return answer(g_state.script.debug.download, command, fileName, fileNameSize, download, options, optionsSize);
+    }
+    HRESULT SetBP(DWORD kind, DWORD memArea, ADDRESS address, const char* name, DWORD line, int hitCount,
+                  const char* condition) override
+    {
+        call("SetBP(" + std::to_string(kind) + ", " + std::to_string(memArea) + ", " + hex(address) + ", " +
+             textOf(name) + ", " + std::to_string(line) + ", " + std::to_string(hitCount) + ", '" +
+             textOf(condition) + "')");
+        return answer(g_state.script.debug.setBP, kind, memArea, address, name, line, hitCount, condition);
+    }
+
+private:
+    /// Recorded with the name of the interface that was called.
+    void call(const std::string& text) { record(std::string(m_ownName) + "." + text); }
+
+    const char* m_ownName;
 };
 
 class FakeProfiler2 : public Fake<OrbelProfiler2> {

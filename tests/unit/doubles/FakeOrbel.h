@@ -4,13 +4,31 @@
 // liborbel.so in its own folder). A test opens the same file the client loads and reaches the
 // double's state through `fakeorbel_state`.
 
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "CCPUInfo.h"
+#include "GUID.h"
 #include "OrbelResults.h"
 #include "OrbelTypes.h"
+#include "SBatchAccessHeader.h"
+#include "SBatchAccessItem.h"
+#include "SBatchAccessItemResult.h"
+#include "SCPUStatus.h"
+#include "SType.h"
+#include "SValue.h"
 
 namespace fakeorbel {
+
+using kestrix::CCPUInfo;
+using kestrix::GUID;
+using kestrix::SBatchAccessHeader;
+using kestrix::SBatchAccessItem;
+using kestrix::SBatchAccessItemResult;
+using kestrix::SCPUStatus;
+using kestrix::SType;
+using kestrix::SValue;
 
 /// One instance that an enumeration reports.
 struct Instance {
@@ -19,8 +37,36 @@ struct Instance {
     WORD port;
 };
 
+/// Answers of the debug operations and service calls, each with the arguments of its
+/// operation. An operation without an answer returns E_NOTIMPL; every call is recorded first.
+struct DebugAnswers {
+    std::function<HRESULT(CCPUInfo*)> getCPUInfo;
+    std::function<HRESULT(DWORD, const char*, BYTE*, ADDRESS*, DWORD*, SType*)> getAddress;
+    std::function<HRESULT(DWORD, BYTE, ADDRESS, char*, DWORD)> getSymbolAtAddress;
+    std::function<HRESULT(const char*, int, ADDRESS*, DWORD*)> getAddressOfSourceLine;
+    std::function<HRESULT(ADDRESS, char*, DWORD, DWORD*)> getSourceLineAtAddress;
+    std::function<HRESULT(DWORD, BYTE, ADDRESS, DWORD, BYTE*, BYTE, BYTE*)> readMemory;
+    std::function<HRESULT(DWORD, BYTE, ADDRESS, DWORD, BYTE*, BYTE, BYTE*)> writeMemory;
+    std::function<HRESULT(DWORD, const char*, SValue*, SType*)> readRegister;
+    std::function<HRESULT(DWORD, const char*, const SValue*, const SType*)> writeRegister;
+    std::function<HRESULT(DWORD, BYTE, ADDRESS, SValue*, const SType*)> readValue;
+    std::function<HRESULT(DWORD, BYTE, ADDRESS, const SValue*, const SType*)> writeValue;
+    std::function<HRESULT(DWORD, const char*, char*, DWORD, SValue*, SType*)> evaluate;
+    std::function<HRESULT(DWORD, const char*, char*, DWORD, const SValue*, const SType*)> modify;
+    std::function<HRESULT(DWORD, SCPUStatus*)> getCPUStatus;
+    std::function<HRESULT(DWORD, DWORD, ADDRESS, const char*, DWORD)> breakpoint;
+    std::function<HRESULT(DWORD, DWORD, DWORD)> runControl;
+    std::function<HRESULT(DWORD, const SBatchAccessHeader*, const SBatchAccessItem*, SBatchAccessItemResult*)> batchAccess;
+    std::function<HRESULT(DWORD, char*, DWORD, void*, char*, DWORD)> download;
+    std::function<HRESULT(DWORD, DWORD, ADDRESS, const char*, DWORD, int, const char*)> setBP;
+    std::function<HRESULT(DWORD, const GUID*, DWORD, const void*, DWORD, void*)> serviceCall;
+    std::function<HRESULT(DWORD, const GUID*, DWORD, const void*, DWORD, const void*, DWORD, void*, DWORD, void*)>
+        serviceCallData;
+};
+
 /// What the double answers.
 struct Script {
+    DebugAnswers debug;
     HRESULT createResult = kestrix::S_OK;
     /// Interfaces (by name, "Orbel", "OrbelIDE3", ...) that QueryInterface refuses.
     std::vector<std::string> missing;
