@@ -1,15 +1,18 @@
 #include "instance/Instance.h"
 
+#include <stdexcept>
 #include <utility>
 
 namespace quillon {
 
-Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std::string commandLine)
+Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std::string commandLine,
+                   std::unique_ptr<target::Target> target)
     : m_id(std::move(id)), m_port(port), m_workspace(std::move(workspace)),
-      m_commandLine(std::move(commandLine))
+      m_commandLine(std::move(commandLine)), m_target(std::move(target))
 {
-    // The target is created here from m_workspace.cpu(), clock() and memory() once the target
-    // layer exists; its memory areas are mapped empty, downloads come later.
+    if (!m_target) {
+        throw std::invalid_argument("an instance needs a target");
+    }
 }
 
 bool Instance::removeClient()

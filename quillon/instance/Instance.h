@@ -2,19 +2,25 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "instance/Workspace.h"
+#include "target/Target.h"
 
 namespace quillon {
 
-/// One simulated Quillon: its id, its workspace and the TCP port number that `Attach` names.
+/// One simulated Quillon: its id, its workspace, the TCP port number that `Attach` names, and
+/// the target that it owns. The services of the instance (debug, test, ...) join as members
+/// built on the target, each owned here.
 /// Instances live in the process; no socket is opened. Created and owned by `InstanceRegistry`,
 /// held by shared pointer by every attached session, so a session keeps its instance alive
 /// even after the registry has shut it down.
 class Instance {
 public:
-    Instance(std::string id, std::uint16_t port, Workspace workspace, std::string commandLine);
+    /// `target` is made from `workspace` by `TargetBuilder`; never null.
+    Instance(std::string id, std::uint16_t port, Workspace workspace, std::string commandLine,
+             std::unique_ptr<target::Target> target);
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
 
@@ -23,6 +29,8 @@ public:
     const Workspace& workspace() const { return m_workspace; }
     /// The command line given at launch; kept, not interpreted.
     const std::string& commandLine() const { return m_commandLine; }
+    target::Target& target() { return *m_target; }
+    const target::Target& target() const { return *m_target; }
 
     /// Attached sessions; `InstanceRegistry::attach` and `detach` count them.
     int clients() const { return m_clients.load(); }
@@ -35,6 +43,7 @@ private:
     const std::uint16_t m_port;
     const Workspace m_workspace;
     const std::string m_commandLine;
+    const std::unique_ptr<target::Target> m_target;
     std::atomic<int> m_clients{0};
 };
 

@@ -5,6 +5,7 @@
 #include <tuple>
 #include <utility>
 
+#include "instance/TargetBuilder.h"
 #include "instance/WorkspaceError.h"
 
 namespace quillon {
@@ -80,15 +81,17 @@ InstanceRegistry::LaunchResult InstanceRegistry::findOnly(const Query& query) co
 InstanceRegistry::LaunchResult InstanceRegistry::start(const LaunchRequest& request,
                                                        const Query& query, bool findFirst)
 {
-    // The file is read outside the lock; another launch may start the same instance meanwhile,
-    // which is why mode 1 looks again below.
+    // The file is read and the target built outside the lock; another launch may start the same
+    // instance meanwhile, which is why mode 1 looks again below.
     Workspace workspace;
-    if (!request.workspace.empty()) {
-        try {
+    std::unique_ptr<target::Target> target;
+    try {
+        if (!request.workspace.empty()) {
             workspace = Workspace::load(request.workspace);
-        } catch (const WorkspaceError& error) {
-            return failure(Status::BadWorkspace, error.what());
         }
+        target = TargetBuilder::build(workspace);
+    } catch (const WorkspaceError& error) {
+        return failure(Status::BadWorkspace, error.what());
     }
     std::lock_guard<std::mutex> lock(m_mutex);
     if (findFirst) {
@@ -107,7 +110,7 @@ InstanceRegistry::LaunchResult InstanceRegistry::start(const LaunchRequest& requ
         return failure(Status::NoFreePort, "no free TCP port for a new Quillon instance");
     }
     auto instance = std::make_shared<Instance>(std::move(id), port, std::move(workspace),
-                                               request.commandLine);
+                                               request.commandLine, std::move(target));
     m_instances.push_back(instance);
     return found(*instance, true);
 }

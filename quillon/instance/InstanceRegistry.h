@@ -31,7 +31,7 @@ public:
     enum class Status {
         Ok,
         NotFound,     ///< mode 3: no instance matches
-        BadWorkspace, ///< the workspace file cannot be used; message is the workspace's
+        BadWorkspace, ///< the workspace cannot be used (file, download files, target); message is the workspace's
         NoEnumerator, ///< mode 4 without an enumerator
         BadMode,      ///< a mode other than 1 to 4
         IdInUse,      ///< mode 2 names an id that an instance has already
@@ -75,8 +75,8 @@ public:
 
     /// Modes 1 and 3 find by instance id when one is given, else by workspace file (the same
     /// file however the path is written), else take the first instance started. Modes 1 and 2
-    /// start an instance with the requested id (or a new one) on a fully read workspace; a
-    /// workspace that cannot be used starts nothing. Mode 4 ignores id and workspace.
+    /// start an instance with the requested id (or a new one) on a fully read workspace and its
+    /// target; a workspace that cannot be used starts nothing. Mode 4 ignores id and workspace.
     LaunchResult launch(const LaunchRequest& request);
 
     /// The instance on `port`, counted as one more client; failure: "no Quillon instance

@@ -18,8 +18,9 @@ namespace quillon {
 ///       clock: 16000000       # Hz, not zero
 ///       memory:               # not given, null or []: derived from the download files
 ///         - name: flash       # required, unique
-///           start: 0x0        # required, 32 bits
-///           size: 0x40000     # required, 32 bits, not zero, start + size <= 2^32
+///           start: 0x0        # required, 32 bits, a multiple of 0x400
+///           size: 0x40000     # required, 32 bits, not zero, a multiple of 0x400,
+///                             # start + size <= 2^32
 ///           access: rx        # r, w, x, each at most once; default rwx
 ///     download:
 ///       - file: build/fw.elf  # relative to the workspace's folder
@@ -43,6 +44,7 @@ namespace quillon {
 ///     negative number '<text>' for '<key>'
 ///     number '<text>' for '<key>' does not fit in <32|64> bits
 ///     '<key>' must not be zero
+///     '<key>' must be a multiple of 0x400, not <0x hex value>
 ///     unknown cpu '<text>' for 'target.cpu' (cortex-m0, cortex-m3, cortex-m4, cortex-m7)
 ///     bad access '<text>' for '<key>' (r, w, x, each at most once)
 ///     duplicate memory area name '<name>' in '<key>' (first on line <n>)
@@ -75,6 +77,8 @@ public:
     static constexpr Cpu kDefaultCpu = Cpu::CortexM3;
     static constexpr std::uint32_t kDefaultClock = 16000000;
     static constexpr std::uint64_t kDefaultMaxInstructions = 100000000;
+    /// Memory areas start and end on the target's 1 KiB page.
+    static constexpr std::uint32_t kPageSize = 0x400;
 
     /// The workspace of an instance launched without a workspace file.
     Workspace() = default;

@@ -172,9 +172,9 @@ void WorkspaceParser::parseMemoryArea(Node* map, const std::string& key)
     readMap(map, key, {
         {"name", true, [&](Node* n, const std::string& k) { area.name = text(n, k); }},
         {"start", true,
-         [&](Node* n, const std::string& k) { area.start = std::uint32_t(number(n, k, 32)); }},
+         [&](Node* n, const std::string& k) { area.start = pageMultiple(n, k, number(n, k, 32)); }},
         {"size", true,
-         [&](Node* n, const std::string& k) { area.size = std::uint32_t(nonZero(n, k, 32)); }},
+         [&](Node* n, const std::string& k) { area.size = pageMultiple(n, k, nonZero(n, k, 32)); }},
         {"access", false, [&](Node* n, const std::string& k) { area.access = access(n, k); }},
     });
     checkArea(area, key);
@@ -326,6 +326,18 @@ std::uint64_t WorkspaceParser::nonZero(Node* node, const std::string& key, unsig
         fail(node, "'" + key + "' must not be zero");
     }
     return value;
+}
+
+std::uint32_t WorkspaceParser::pageMultiple(Node* node, const std::string& key,
+                                            std::uint64_t value) const
+{
+    if (value % Workspace::kPageSize != 0) {
+        char text[64];
+        std::snprintf(text, sizeof text, "must be a multiple of 0x%x, not 0x%llx",
+                      unsigned(Workspace::kPageSize), static_cast<unsigned long long>(value));
+        fail(node, "'" + key + "' " + text);
+    }
+    return std::uint32_t(value);
 }
 
 Workspace::Cpu WorkspaceParser::cpu(Node* node, const std::string& key) const

@@ -55,6 +55,8 @@ private:
     std::string text(Node* node, const std::string& key) const;
     std::uint64_t number(Node* node, const std::string& key, unsigned bits) const;
     std::uint64_t nonZero(Node* node, const std::string& key, unsigned bits) const;
+    /// `value` of `key`, checked to be a multiple of the target's page.
+    std::uint32_t pageMultiple(Node* node, const std::string& key, std::uint64_t value) const;
     Workspace::Cpu cpu(Node* node, const std::string& key) const;
     unsigned access(Node* node, const std::string& key) const;
     void checkArea(const Workspace::MemoryArea& area, const std::string& key) const;

@@ -113,5 +113,24 @@ public static class ConnectionTests {
       Check.True(!mgr.isConnected(), "disconnected");
       mgr.Dispose();
     });
+
+    Check.Case("bad workspaces are refused with a message that names the problem", () => {
+      string folder = Path.Combine(Path.GetTempPath(), "kx_managed_bad");
+      Directory.CreateDirectory(folder);
+      string bad = Path.Combine(folder, "colour.yaml");
+      File.WriteAllText(bad, "target:\n  cpu: cortex-m3\n  colour: blue\n");
+      ConnectionMgr mgr = new ConnectionMgr();
+      var e = Check.Throws<ApplicationException>(() => mgr.startNewInstance(new CConnectionConfig().workspace(bad)));
+      if (e != null) Check.True(e.Message.StartsWith("Instance could not be started! "), e.Message);
+      Check.Equal(bad + ":3: unknown key 'colour' in 'target'", mgr.getLastErrorMsg());
+
+      var c = Check.Throws<ApplicationException>(() => mgr.connectMRU(bad));
+      if (c != null) {
+        Check.True(c.Message.StartsWith("10: Can not connect to kestrix.orbel:E:10 Can not launch quillon: ID:NULL " +
+                                        "Workspace:" + bad), c.Message);
+      }
+      Check.True(!mgr.isConnected(), "not connected");
+      mgr.Dispose();
+    });
   }
 }

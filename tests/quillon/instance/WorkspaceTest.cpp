@@ -157,7 +157,7 @@ TEST(Workspace, BadFilesFailWithFileLineAndKey)
         // required keys and values
         {"target:\n  memory:\n    - name: ram\n      start: 0x20000000\n",
          "3: missing key 'size' in 'target.memory[0]'"},
-        {"target:\n  memory:\n    - size: 4\n      start: 0\n", "3: missing key 'name' in 'target.memory[0]'"},
+        {"target:\n  memory:\n    - size: 0x400\n      start: 0\n", "3: missing key 'name' in 'target.memory[0]'"},
         {"download:\n  - file: a.elf\n  - {}\n", "3: missing key 'file' in 'download[1]'"},
         {"download:\n  - file:\n", "2: missing value for 'download[0].file'"},
         {"target:\n  memory:\n    - {name: '', start: 0, size: 4}\n", "3: missing value for 'target.memory[0].name'"},
@@ -180,13 +180,20 @@ TEST(Workspace, BadFilesFailWithFileLineAndKey)
          "5: number '0x100000000' for 'target.memory[0].size' does not fit in 32 bits"},
         {"target:\n  memory:\n    - name: ram\n      start: 0\n      size: 0\n",
          "5: 'target.memory[0].size' must not be zero"},
-        {"target:\n  memory:\n    - name: top\n      start: 0xFFFFF000\n      size: 0x1001\n",
+        {"target:\n  memory:\n    - name: top\n      start: 0xFFFFF000\n      size: 0x1400\n",
          "3: memory area 'top' in 'target.memory[0]' ends past 0xffffffff"},
-        {"target:\n  memory:\n    - {name: ram, start: 0, size: 4, access: rwz}\n",
+        // areas lie on the target's 1 KiB pages
+        {"target:\n  memory:\n    - name: ram\n      start: 0x20000100\n      size: 0x400\n",
+         "4: 'target.memory[0].start' must be a multiple of 0x400, not 0x20000100"},
+        {"target:\n  memory:\n    - {name: ram, start: 0x400, size: 1}\n",
+         "3: 'target.memory[0].size' must be a multiple of 0x400, not 0x1"},
+        {"target:\n  memory:\n    - {name: a, start: 0, size: 0x400}\n    - {name: b, start: 0x800, size: 1025}\n",
+         "4: 'target.memory[1].size' must be a multiple of 0x400, not 0x401"},
+        {"target:\n  memory:\n    - {name: ram, start: 0, size: 0x400, access: rwz}\n",
          "3: bad access 'rwz' for 'target.memory[0].access' (r, w, x, each at most once)"},
-        {"target:\n  memory:\n    - {name: ram, start: 0, size: 4, access: rr}\n",
+        {"target:\n  memory:\n    - {name: ram, start: 0, size: 0x400, access: rr}\n",
          "3: bad access 'rr' for 'target.memory[0].access' (r, w, x, each at most once)"},
-        {"target:\n  memory:\n    - {name: ram, start: 0, size: 4, acess: rw}\n",
+        {"target:\n  memory:\n    - {name: ram, start: 0, size: 0x400, acess: rw}\n",
          "3: unknown key 'acess' in 'target.memory[0]'"},
         {"target:\n  cpu: cortex-m33\n",
          "2: unknown cpu 'cortex-m33' for 'target.cpu' (cortex-m0, cortex-m3, cortex-m4, cortex-m7)"},
@@ -206,15 +213,15 @@ TEST(Workspace, OverlappingAreasNameBoth)
         {"target:\n  memory:\n"
          "    - {name: flash, start: 0, size: 0x1000}\n"
          "    - {name: sram, start: 0x20000000, size: 0x1000}\n"
-         "    - {name: alias, start: 0xFFF, size: 2}\n",
+         "    - {name: alias, start: 0xC00, size: 0x800}\n",
          "5: memory area 'alias' in 'target.memory[2]' overlaps 'flash' (line 3)"},
         {"target:\n  memory:\n"
-         "    - {name: inner, start: 0x20000100, size: 0x10}\n"
+         "    - {name: inner, start: 0x20000400, size: 0x400}\n"
          "    - {name: outer, start: 0x20000000, size: 0x1000}\n",
          "4: memory area 'outer' in 'target.memory[1]' overlaps 'inner' (line 3)"},
         {"target:\n  memory:\n"
-         "    - {name: ram, start: 0, size: 4}\n"
-         "    - {name: ram, start: 8, size: 4}\n",
+         "    - {name: ram, start: 0, size: 0x400}\n"
+         "    - {name: ram, start: 0x800, size: 0x400}\n",
          "4: duplicate memory area name 'ram' in 'target.memory[1]' (first on line 3)"},
     };
     TempDir dir;

@@ -1,0 +1,146 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ComFixture.h"
+#include "OrbelCoverage.h"
+#include "OrbelDebug2.h"
+#include "OrbelHIL.h"
+#include "OrbelIDE3.h"
+#include "OrbelProfiler2.h"
+#include "OrbelProject.h"
+#include "OrbelTest.h"
+
+namespace quillon::com::test {
+namespace {
+
+using namespace kestrix;
+
+class NotImplementedTest : public ComFixture {
+protected:
+    NotImplementedTest()
+        : ide(query<OrbelIDE3>(object, IID_OrbelIDE3)), debug(query<OrbelDebug2>(object, IID_OrbelDebug2)),
+          profiler(query<OrbelProfiler2>(object, IID_OrbelProfiler2)),
+          project(query<OrbelProject>(object, IID_OrbelProject)),
+          coverage(query<OrbelCoverage>(object, IID_OrbelCoverage)), test(query<OrbelTest>(object, IID_OrbelTest)),
+          hil(query<OrbelHIL>(object, IID_OrbelHIL))
+    {
+    }
+    ~NotImplementedTest() override
+    {
+        for (IUnknown* unknown : std::vector<IUnknown*>{ide, debug, profiler, project, coverage, test, hil}) {
+            unknown->Release();
+        }
+    }
+
+    OrbelIDE3* ide;
+    OrbelDebug2* debug;
+    OrbelProfiler2* profiler;
+    OrbelProject* project;
+    OrbelCoverage* coverage;
+    OrbelTest* test;
+    OrbelHIL* hil;
+};
+
+// Every operation that a later step brings answers E_NOTIMPL and names itself, with arguments
+// that a real call would pass as well as null ones, and touches none of its outputs.
+TEST_F(NotImplementedTest, EveryOtherOperationAnswersNotImplementedAndNamesIt)
+{
+    char text[64] = "";
+    DWORD word = 0;
+    ADDRESS address = 0;
+    BYTE byte = 0;
+    SValue value{};
+    SType type{};
+    const std::vector<std::pair<std::string, std::function<HRESULT()>>> operations = {
+        {"OrbelIDE::Document", [&] { return ide->Document(0x10000000, "trace.trd", nullptr, 0); }},
+        {"OrbelIDE::Workspace", [&] { return ide->Workspace(9, "ws.yaml"); }},
+        {"OrbelIDE::Application", [&] { return ide->Application(1, nullptr); }},
+        {"OrbelIDE2::ServiceCall", [&] { return ide->ServiceCall(0x10000000, &SERVICE_Flash, 4, &word, 4, &word, 0); }},
+        {"OrbelIDE3::Reserved6", [&] { return ide->Reserved6(); }},
+        {"OrbelIDE3::Reserved7", [&] { return ide->Reserved7(); }},
+        {"OrbelIDE3::Reserved8", [&] { return ide->Reserved8(); }},
+        {"OrbelIDE3::Option", [&] { return ide->Option(0x80000001, "Debug", "Option", nullptr); }},
+        {"OrbelIDE3::ServiceCallData",
+         [&] { return ide->ServiceCallData(0x10000000, &SERVICE_Scan, 0, nullptr, 0, nullptr, 0, nullptr, 0, nullptr, 0); }},
+        {"OrbelDebug::GetCPUInfo", [&] { return debug->GetCPUInfo(nullptr); }},
+        {"OrbelDebug::GetAddress", [&] { return debug->GetAddress(0, "main", &byte, &address, &word, &type); }},
+        {"OrbelDebug::GetSymbolAtAddress", [&] { return debug->GetSymbolAtAddress(0, 0, 0x100, text, sizeof text); }},
+        {"OrbelDebug::GetAddressOfSourceLine",
+         [&] { return debug->GetAddressOfSourceLine(0, "main.c", 10, &address, &word); }},
+        {"OrbelDebug::GetSourceLineAtAddress",
+         [&] { return debug->GetSourceLineAtAddress(0, 0x100, text, sizeof text, &word); }},
+        {"OrbelDebug::ReadMemory", [&] { return debug->ReadMemory(0, 0, 0x20000000, 1, &byte, 1, &byte); }},
+        {"OrbelDebug::WriteMemory", [&] { return debug->WriteMemory(0, 0, 0x20000000, 1, &byte, 1, &byte); }},
+        {"OrbelDebug::ReadRegister", [&] { return debug->ReadRegister(0, "R0", &value, &type); }},
+        {"OrbelDebug::WriteRegister", [&] { return debug->WriteRegister(0, "R0", &value, &type); }},
+        {"OrbelDebug::ReadValue", [&] { return debug->ReadValue(0, 0, 0x20000000, &value, &type); }},
+        {"OrbelDebug::WriteValue", [&] { return debug->WriteValue(0, 0, 0x20000000, &value, &type); }},
+        {"OrbelDebug::Evaluate", [&] { return debug->Evaluate(0, "1 + 1", text, sizeof text, &value, &type); }},
+        {"OrbelDebug::Modify", [&] { return debug->Modify(0, "x", text, sizeof text, &value, &type); }},
+        {"OrbelDebug::GetCPUStatus", [&] { return debug->GetCPUStatus(0, nullptr); }},
+        {"OrbelDebug::Breakpoint", [&] { return debug->Breakpoint(1, 0, 0x100, nullptr, 0); }},
+        {"OrbelDebug::RunControl", [&] { return debug->RunControl(1, 0, 0); }},
+        {"OrbelDebug2::Reserved17", [&] { return debug->Reserved17(); }},
+        {"OrbelDebug2::BatchAccess", [&] { return debug->BatchAccess(0, nullptr, nullptr, nullptr); }},
+        {"OrbelDebug2::Reserved19", [&] { return debug->Reserved19(); }},
+        {"OrbelDebug2::Download", [&] { return debug->Download(0, text, sizeof text, nullptr, nullptr, 0); }},
+        {"OrbelDebug2::LaunchCore", [&] { return debug->LaunchCore(1, 1, text, sizeof text); }},
+        {"OrbelDebug2::SetBP", [&] { return debug->SetBP(0, 0, 0, "main.c", 3, 1, nullptr); }},
+        {"OrbelProfiler2::GetCapabilities", [&] { return profiler->GetCapabilities(0, nullptr); }},
+        {"OrbelProfiler2::StartConfiguration", [&] { return profiler->StartConfiguration(0, nullptr); }},
+        {"OrbelProfiler2::AddArea", [&] { return profiler->AddArea(0, nullptr, "f", 0, 0, 0, 0, nullptr); }},
+        {"OrbelProfiler2::Control", [&] { return profiler->Control(1); }},
+        {"OrbelProfiler2::GetStatus", [&] { return profiler->GetStatus(0, nullptr); }},
+        {"OrbelProfiler2::GetStatistics", [&] { return profiler->GetStatistics(0, 0, 0, 0, &word, nullptr); }},
+        {"OrbelProfiler2::GetHistory", [&] { return profiler->GetHistory(0, 0, 0, 0, 0, &word, nullptr); }},
+        {"OrbelProfiler2::GetAreaInfo", [&] { return profiler->GetAreaInfo(0, 4, &word); }},
+        {"OrbelProfiler2::GetArea", [&] { return profiler->GetArea(0, 0, nullptr); }},
+        {"OrbelProject::Reserved1", [&] { return project->Reserved1(); }},
+        {"OrbelProject::ProjectCommand", [&] { return project->ProjectCommand(1, nullptr, nullptr); }},
+        {"OrbelProject::GetBuildStatus", [&] { return project->GetBuildStatus(0, nullptr); }},
+        {"OrbelProject::BuildOption", [&] { return project->BuildOption(0, "s", "o", text, sizeof text); }},
+        {"OrbelCoverage::GetLastError", [&] { return coverage->GetLastError("c.cov", 0, &word, text, sizeof text); }},
+        {"OrbelCoverage::GetInfo", [&] { return coverage->GetInfo("c.cov", 0, &word); }},
+        {"OrbelCoverage::SetConfiguration", [&] { return coverage->SetConfiguration("c.cov", 0, nullptr, 0); }},
+        {"OrbelCoverage::Reserved4", [&] { return coverage->Reserved4(); }},
+        {"OrbelCoverage::Reserved5", [&] { return coverage->Reserved5(); }},
+        {"OrbelCoverage::GetRanges", [&] { return coverage->GetRanges("c.cov", 0, &word, nullptr, nullptr, 0); }},
+        {"OrbelCoverage::GetBitmap", [&] { return coverage->GetBitmap("c.cov", 0, 0, 0, 0, nullptr); }},
+        {"OrbelCoverage::GetStatistics", [&] { return coverage->GetStatistics("c.cov", 0, 0, 0, &word); }},
+        {"OrbelTest::GetLastError", [&] { return test->GetLastError(0, &word, text, sizeof text); }},
+        {"OrbelTest::CreateTest", [&] { return test->CreateTest(&word, "add"); }},
+        {"OrbelTest::DestroyTest", [&] { return test->DestroyTest(1); }},
+        {"OrbelTest::CreateParameter", [&] { return test->CreateParameter(1, 0, "a"); }},
+        {"OrbelTest::CreateReturnValue", [&] { return test->CreateReturnValue(1, "r"); }},
+        {"OrbelTest::CreateVariable", [&] { return test->CreateVariable(&word, "v", "int"); }},
+        {"OrbelTest::DestroyVariable", [&] { return test->DestroyVariable(1); }},
+        {"OrbelTest::CreateStub", [&] { return test->CreateStub(&word, "f"); }},
+        {"OrbelTest::DestroyStub", [&] { return test->DestroyStub(1); }},
+        {"OrbelTest::CreateStubParameter", [&] { return test->CreateStubParameter(1, 0, "p"); }},
+        {"OrbelTest::CreateStubReturnValue", [&] { return test->CreateStubReturnValue(1, "r"); }},
+        {"OrbelTest::Evaluate", [&] { return test->Evaluate(1, "r == 2", text, sizeof text); }},
+        {"OrbelTest::Modify", [&] { return test->Modify(0, "a", text, sizeof text, "2"); }},
+        {"OrbelTest::Control", [&] { return test->Control(1, 1); }},
+        {"OrbelTest::GetStatus", [&] { return test->GetStatus(2, 0, &word); }},
+        {"OrbelHIL::Read", [&] { return hil->Read(0, 0, "DOUT", text, sizeof text); }},
+        {"OrbelHIL::Write", [&] { return hil->Write(0, 0, "DOUT:1"); }},
+        {"OrbelHIL::GetInfo", [&] { return hil->GetInfo(0, nullptr); }},
+    };
+    EXPECT_EQ(70u, operations.size()) << "every operation of the interfaces but Orbel's and GetQuillonVersion";
+    for (const auto& [name, operation] : operations) {
+        SCOPED_TRACE(name);
+        word = 0x5A5A5A5A;
+        std::strcpy(text, "untouched");
+        EXPECT_EQ(E_NOTIMPL, operation());
+        EXPECT_EQ(std::make_pair(ORBEL_S_MSG_FAIL, name + " is not implemented"), lastError());
+        EXPECT_EQ(0x5A5A5A5Au, word);
+        EXPECT_STREQ("untouched", text);
+    }
+}
+
+} // namespace
+} // namespace quillon::com::test
