@@ -5,6 +5,7 @@
 // client set for the test and restored after it.
 
 #include <dlfcn.h>
+#include <unistd.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -47,10 +48,10 @@ protected:
     const fakeorbel::Record& seen() const { return m_fake->record; }
     std::vector<std::string> calls(const std::string& prefix) const { return m_fake->callsStartingWith(prefix); }
 
-    /// A fresh folder under the test's temporary folder.
+    /// A fresh folder under the test's temporary folder, one per process: ctest runs tests in parallel.
     static std::string tempFolder(const std::string& name)
     {
-        const std::string path = ::testing::TempDir() + "kx_" + name;
+        const std::string path = ::testing::TempDir() + "kx_" + std::to_string(getpid()) + "_" + name;
         std::filesystem::remove_all(path);
         std::filesystem::create_directories(path);
         return path;
