@@ -26,6 +26,7 @@ finished=(
   SOrbelInfo IID CLSID
   Orbel OrbelCoverage OrbelDebug OrbelDebug2 OrbelEclipse OrbelHIL OrbelIDE OrbelIDE2 OrbelIDE3
   OrbelProfiler OrbelProfiler2 OrbelProject OrbelSink OrbelTest
+  CTestCaseController CTestVariableController CTestStubController ICustomFunctions
 )
 # Free functions and registration exports, named whole.
 finished_names=(
@@ -43,6 +44,9 @@ allowed=(
   CSharp_OrbelIDE2_SWIGUpcast
   CSharp_OrbelIDE3_SWIGUpcast
   CSharp_OrbelProfiler2_SWIGUpcast
+  # Directors: a managed class that implements the script functions is built through these.
+  CSharp_new_ICustomFunctions
+  CSharp_ICustomFunctions_director_connect
 )
 
 have=$(nm -D --defined-only "$lib" | awk '{print $3}' | sort -u)
