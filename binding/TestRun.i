@@ -87,7 +87,7 @@ public:
     virtual int init(const std::string& functionName, const StrVector& params) = 0;
     virtual int end(const std::string& functionName, const StrStrMap& params) = 0;
     virtual int end(const std::string& functionName, const StrVector& params) = 0;
-    virtual int stub(const CTestStub& stub) = 0;
+    virtual int stub(const CTestStub& stubSpec) = 0;
 };
 
 class CTestCase {

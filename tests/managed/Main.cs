@@ -9,6 +9,7 @@ public static class ManagedTestMain {
     TestSpecTests.Run();
     ResultsTests.Run();
     ConnectionTests.Run();
+    TestRunTests.Run();
     return Check.Result("managed tests");
   }
 }
