@@ -45,6 +45,7 @@ typedef unsigned short WORD;
 typedef unsigned int DWORD;
 typedef unsigned long long QWORD;
 typedef unsigned int ADDRESS;
+typedef int HRESULT;
 
 // Sizes and counts cross as one 32-bit word, as the managed side declares them (uint); a
 // 64-bit C type here would read undefined upper bits of an argument.

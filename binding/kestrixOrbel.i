@@ -1,5 +1,5 @@
 // The managed binding: every exported entry point is generated from this interface.
-%module(directors="0") kestrixOrbel
+%module(directors="1") kestrixOrbel
 
 %include <std_string.i>
 %include "kestrix_std_vector.i"
@@ -26,6 +26,7 @@
 %include "Results.i"
 %include "Connection.i"
 %include "Debug.i"
+%include "TestRun.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
 %include "NameShims.i"

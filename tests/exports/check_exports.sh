@@ -30,6 +30,7 @@ finished=(
   CDownloadConfiguration DownloadListMember DownloadListVector CLoaderController CDebugFacade
   SBatchAccessHeader SBatchAccessItem SBatchAccessItemResult VectorBatchAccessItem VectorBatchAccessResult
   SScan_IN SScan_OUT SLine_IN SLine_OUT Scan
+  CTestCaseController CTestVariableController CTestStubController ICustomFunctions
 )
 # Free functions and registration exports, named whole.
 finished_names=(
@@ -48,6 +49,9 @@ allowed=(
   CSharp_OrbelIDE2_SWIGUpcast
   CSharp_OrbelIDE3_SWIGUpcast
   CSharp_OrbelProfiler2_SWIGUpcast
+  # Directors: a managed class that implements the script functions is built through these.
+  CSharp_new_ICustomFunctions
+  CSharp_ICustomFunctions_director_connect
 )
 
 have=$(nm -D --defined-only "$lib" | awk '{print $3}' | sort -u)

@@ -3,6 +3,7 @@
 // orbel_GetInfo (FAKE_ORBEL_NO_GET_INFO) and without orbel_CreateObject (FAKE_ORBEL_NO_CREATE_OBJECT).
 
 #include "FakeOrbel.h"
+#include "FakeTestService.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -411,21 +412,96 @@ class FakeTest : public Fake<OrbelTest> {
 public:
     FakeTest() : Fake<OrbelTest>("OrbelTest") {}
 
-    HRESULT GetLastError(DWORD, DWORD*, char*, DWORD) override { return E_NOTIMPL; }
-    HRESULT CreateTest(DWORD*, const char*) override { return E_NOTIMPL; }
-    HRESULT DestroyTest(DWORD) override { return E_NOTIMPL; }
-    HRESULT CreateParameter(DWORD, DWORD, const char*) override { return E_NOTIMPL; }
-    HRESULT CreateReturnValue(DWORD, const char*) override { return E_NOTIMPL; }
-    HRESULT CreateVariable(DWORD*, const char*, const char*) override { return E_NOTIMPL; }
-    HRESULT DestroyVariable(DWORD) override { return E_NOTIMPL; }
-    HRESULT CreateStub(DWORD*, const char*) override { return E_NOTIMPL; }
-    HRESULT DestroyStub(DWORD) override { return E_NOTIMPL; }
-    HRESULT CreateStubParameter(DWORD, DWORD, const char*) override { return E_NOTIMPL; }
-    HRESULT CreateStubReturnValue(DWORD, const char*) override { return E_NOTIMPL; }
-    HRESULT Evaluate(DWORD, const char*, char*, DWORD) override { return E_NOTIMPL; }
-    HRESULT Modify(DWORD, const char*, char*, DWORD, const char*) override { return E_NOTIMPL; }
-    HRESULT Control(DWORD, DWORD) override { return E_NOTIMPL; }
-    HRESULT GetStatus(DWORD, DWORD, DWORD*) override { return E_NOTIMPL; }
+    HRESULT GetLastError(DWORD reserved, DWORD* errorClass, char* text, DWORD textSize) override
+    {
+        record("Test.GetLastError(" + std::to_string(reserved) + ", " + std::to_string(textSize) + ")");
+        return answer(answers().getLastError, reserved, errorClass, text, textSize);
+    }
+    HRESULT CreateTest(DWORD* handle, const char* functionName) override
+    {
+        record("Test.CreateTest(" + textOf(functionName) + ")");
+        return answer(answers().createTest, handle, functionName);
+    }
+    HRESULT DestroyTest(DWORD handle) override
+    {
+        record("Test.DestroyTest(" + std::to_string(handle) + ")");
+        return answer(answers().destroyTest, handle);
+    }
+    HRESULT CreateParameter(DWORD handle, DWORD index, const char* name) override
+    {
+        record("Test.CreateParameter(" + std::to_string(handle) + ", " + std::to_string(index) + ", " + textOf(name) +
+               ")");
+        return answer(answers().createParameter, handle, index, name);
+    }
+    HRESULT CreateReturnValue(DWORD handle, const char* name) override
+    {
+        record("Test.CreateReturnValue(" + std::to_string(handle) + ", " + textOf(name) + ")");
+        return answer(answers().createReturnValue, handle, name);
+    }
+    HRESULT CreateVariable(DWORD* handle, const char* name, const char* type) override
+    {
+        record("Test.CreateVariable(" + textOf(name) + ", " + textOf(type) + ")");
+        return answer(answers().createVariable, handle, name, type);
+    }
+    HRESULT DestroyVariable(DWORD handle) override
+    {
+        record("Test.DestroyVariable(" + std::to_string(handle) + ")");
+        return answer(answers().destroyVariable, handle);
+    }
+    HRESULT CreateStub(DWORD* handle, const char* functionName) override
+    {
+        record("Test.CreateStub(" + textOf(functionName) + ")");
+        return answer(answers().createStub, handle, functionName);
+    }
+    HRESULT DestroyStub(DWORD handle) override
+    {
+        record("Test.DestroyStub(" + std::to_string(handle) + ")");
+        return answer(answers().destroyStub, handle);
+    }
+    HRESULT CreateStubParameter(DWORD stubHandle, DWORD index, const char* name) override
+    {
+        record("Test.CreateStubParameter(" + std::to_string(stubHandle) + ", " + std::to_string(index) + ", " +
+               textOf(name) + ")");
+        return answer(answers().createStubParameter, stubHandle, index, name);
+    }
+    HRESULT CreateStubReturnValue(DWORD stubHandle, const char* name) override
+    {
+        record("Test.CreateStubReturnValue(" + std::to_string(stubHandle) + ", " + textOf(name) + ")");
+        return answer(answers().createStubReturnValue, stubHandle, name);
+    }
+    HRESULT Evaluate(DWORD accessFlags, const char* expression, char* result, DWORD resultSize) override
+    {
+        record("Test.Evaluate(" + std::to_string(accessFlags) + ", " + textOf(expression) + ", " +
+               std::to_string(resultSize) + ")");
+        return answer(answers().evaluate, accessFlags, expression, result, resultSize);
+    }
+    HRESULT Modify(DWORD accessFlags, const char* expression, char* result, DWORD resultSize,
+                   const char* value) override
+    {
+        record("Test.Modify(" + std::to_string(accessFlags) + ", " + textOf(expression) + ", " +
+               std::to_string(resultSize) + ", " + textOf(value) + ")");
+        return answer(answers().modify, accessFlags, expression, result, resultSize, value);
+    }
+    HRESULT Control(DWORD command, DWORD handle) override
+    {
+        record("Test.Control(" + std::to_string(command) + ", " + std::to_string(handle) + ")");
+        return answer(answers().control, command, handle);
+    }
+    HRESULT GetStatus(DWORD kind, DWORD handle, DWORD* value) override
+    {
+        record("Test.GetStatus(" + std::to_string(kind) + ", " + std::to_string(handle) + ")");
+        return answer(answers().getStatus, kind, handle, value);
+    }
+
+private:
+    static fakeorbel::TestAnswers& answers() { return *fakeorbel_test_answers(); }
+
+    /// The test's answer, or E_NOTIMPL while it gave none.
+    template <class Answer, class... Args>
+    static HRESULT answer(const Answer& function, Args... args)
+    {
+        return function ? function(args...) : E_NOTIMPL;
+    }
 };
 
 class FakeHIL : public Fake<OrbelHIL> {

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "CTestStub.h"
+#include "Containers.h"
+#include "OrbelTypes.h"
+
+namespace kestrix {
+
+class ConnectionMgr;
+class CTestCaseController;
+class CTestFunction;
+class CTestSpecification;
+class CTestStubController;
+class ICustomFunctions;
+class ITestParserEventReceiver;
+
+/// Runs one test specification on the target: creates the test, plants parameters and locals,
+/// runs the function under test, serves its stubs and judges the expected expressions. Each
+/// step is public, so that a caller can compose its own run.
+class CTestCase {
+public:
+    explicit CTestCase(std::shared_ptr<ConnectionMgr> connectionMgr);
+    ~CTestCase();
+
+    /// Not owned; null until set.
+    void setCallbackObject(ICustomFunctions* callbackObject);
+
+    /// Parses the specification text and runs it.
+    void tessarCpp(const std::string& testSpecText, StrVector& results, bool keepFailedTest = false);
+    /// The whole run; appends one string per expected expression to `results`, empty for a
+    /// holding one. Failures leave as exceptions, the test cleaned and destroyed on the way.
+    void runTest(std::shared_ptr<CTestSpecification> spec, StrVector& results, bool keepFailedTest = false);
+
+    /// YAML text of one object, as an explicit document.
+    static std::string toYAMLString(const ITestParserEventReceiver& object);
+
+    std::shared_ptr<CTestCaseController> createTestController(const std::string& functionName,
+                                                              const std::string& retValName);
+    void createParameters(std::shared_ptr<CTestSpecification> spec, std::shared_ptr<CTestCaseController> ctrl);
+    void setParameters(std::shared_ptr<CTestSpecification> spec, std::shared_ptr<CTestCaseController> ctrl);
+    void createLocals(std::shared_ptr<CTestSpecification> spec, std::shared_ptr<CTestCaseController> ctrl);
+    void setLocals(std::shared_ptr<CTestSpecification> spec, std::shared_ptr<CTestCaseController> ctrl);
+    void createStubs(const StubsVector& stubs, std::shared_ptr<CTestCaseController> ctrl);
+    void setStubParameterNames(const CTestStub& stub, std::shared_ptr<CTestStubController> stubController);
+    void setStubAssignements(const CTestStub& stub, std::shared_ptr<CTestCaseController> ctrl);
+    /// Writes one value; a text in double quotes goes into a character array, terminated.
+    void modifyWStr(const std::string& variable, const std::string& value, std::shared_ptr<CTestCaseController> ctrl);
+
+    /// The callback's result, 0 if the function has no name.
+    int callInitFunction(const CTestFunction& function);
+    int callEndFunction(const CTestFunction& function);
+    /// Runs the target until the function under test ends, serving each stub stop.
+    void callFunctionUnderTest(const StubsVector& stubs, std::shared_ptr<CTestCaseController> ctrl);
+    /// Serves one stop on a stub, if the target stopped on one.
+    void callStubs(const StubsVector& stubs, std::shared_ptr<CTestCaseController> ctrl);
+
+    /// Judges each expected expression in the stopped test; appends "" for a holding one, else
+    /// the values of its identifiers.
+    void verifyResults(const StrVector& expected, StrVector& results, bool isShowExpression,
+                       std::shared_ptr<CTestCaseController> ctrl);
+    /// Evaluates each identifier of `expression` once, a failure giving the exception's text.
+    void evalVars(StrVector& names, const StrVector& formats, const std::string& expression, StrStrMap& values,
+                  std::shared_ptr<CTestCaseController> ctrl);
+    /// Evaluates each operand between comparison and logical operators that begins like a name.
+    void evalSubExpressions(StrVector& names, const StrVector& formats, const std::string& expression,
+                            StrStrMap& values, DWORD formatIndex, std::shared_ptr<CTestCaseController> ctrl);
+
+private:
+    /// The variable name of the parameter at `index`.
+    static std::string positionParamName(size_t index);
+    static void checkAnalyzers(CTestSpecification& spec);
+    /// Steps of a run from the values on, with the test initialized.
+    void runInitializedTest(std::shared_ptr<CTestSpecification> spec, StrVector& results,
+                            std::shared_ptr<CTestCaseController> ctrl);
+
+    ICustomFunctions* callbackObject = nullptr;
+    std::shared_ptr<ConnectionMgr> connectionMgr;
+};
+
+} // namespace kestrix
