@@ -1,0 +1,22 @@
+#include "expr/RegisterScope.h"
+
+#include "target/RegisterTable.h"
+
+namespace quillon::expr {
+
+RegisterScope::RegisterScope(const debuginfo::TypeTable& types) : m_type(types.find("unsigned int"))
+{
+}
+
+std::optional<Value> RegisterScope::find(const std::string& name) const
+{
+    const auto reg = target::RegisterTable::find(name);
+    if (!reg) {
+        return std::nullopt;
+    }
+    Value value = Value::inRegister(m_type, *reg);
+    value.setLabel("register " + name);
+    return value;
+}
+
+} // namespace quillon::expr
