@@ -590,6 +590,23 @@ Value Evaluator::assign(const Node& node)
     return target;
 }
 
+Value Evaluator::assign(const Node& node, const Value& value)
+{
+    try {
+        const Value target = evaluate(node);
+        if (!target.isLvalue()) {
+            throw ExprError("not an lvalue", node.column());
+        }
+        store(target, value, node.column());
+        return target;
+    } catch (const ExprError& error) {
+        if (!error.column()) {
+            throw ExprError(error.problem(), node.column());
+        }
+        throw;
+    }
+}
+
 Value Evaluator::call(const Node& node)
 {
     const Value callee = evaluate(node.child(0));

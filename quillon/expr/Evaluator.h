@@ -21,6 +21,8 @@ public:
     Evaluator(const Converter& converter, target::Target& target, const ScopeChain& scopes, FunctionCaller* caller);
 
     Value evaluate(const Node& node);
+    /// Assigns a value to the lvalue of the node, converted to its type; the lvalue is the result.
+    Value assign(const Node& target, const Value& value);
 
 private:
     Value name(const Node& node);
