@@ -36,7 +36,22 @@ EvaluationResult ExpressionEvaluator::evaluate(const std::string& expression)
         throw ExprError("unknown display format '" + parsed.format + "'");
     }
     Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
-    return result(evaluator.evaluate(*parsed.root), parsed.format);
+    const Value value = evaluator.evaluate(*parsed.root);
+    load(value, *parsed.root);
+    return result(value, parsed.format);
+}
+
+void ExpressionEvaluator::load(const Value& value, const Node& root) const
+{
+    const debuginfo::Type::Kind kind = value.plainType()->kind();
+    if (kind == debuginfo::Type::Kind::Void || kind == debuginfo::Type::Kind::Function) {
+        return;
+    }
+    try {
+        value.bytes(m_target);
+    } catch (const ExprError& error) {
+        throw ExprError(error.problem(), error.column() ? error.column() : std::optional<std::size_t>(root.column()));
+    }
 }
 
 Value ExpressionEvaluator::value(const std::string& expression)

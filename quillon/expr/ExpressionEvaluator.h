@@ -48,6 +48,8 @@ public:
 
 private:
     ParsedExpression parse(const std::string& text) const;
+    /// Reads an lvalue's bytes, so that unreadable memory is told with the expression's column.
+    void load(const Value& value, const Node& root) const;
 
     const debuginfo::DebugInfo& m_debug;
     target::Target& m_target;
