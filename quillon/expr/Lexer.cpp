@@ -35,10 +35,10 @@ int digitValue(char c)
 }
 
 // Longest first, so that the first match is the longest.
-constexpr std::array<const char*, 46> punctuators = {
+constexpr std::array<const char*, 42> punctuators = {
     "<<=", ">>=", "->", "++", "--", "<<", ">>", "<=", ">=", "==", "!=", "&&", "||", "+=", "-=", "*=",
     "/=", "%=", "&=", "|=", "^=", "+", "-", "*", "/", "%", "<", ">", "=", "!", "~", "&", "|", "^",
-    "?", ":", ".", ",", "(", ")", "[", "]", "{", "}", ";", "#",
+    "?", ":", ".", ",", "(", ")", "[", "]",
 };
 
 } // namespace

@@ -135,8 +135,11 @@ const Type* TypeTextParser::declarator(const Type* base, const std::vector<Token
             pos += 2;
             continue;
         }
-        if (count.kind != Token::Kind::Integer || !tokens[pos + 2].is("]")) {
+        if (count.kind != Token::Kind::Integer) {
             throw ExprError("array size expected", count.column());
+        }
+        if (!tokens[pos + 2].is("]")) {
+            throw ExprError("']' expected", tokens[pos + 2].column());
         }
         dimensions.emplace_back(count.integer);
         pos += 3;
