@@ -25,8 +25,9 @@ public:
     struct Options {
         /// A call that runs longer ends as a failure.
         std::uint64_t instructionLimit = 100000000;
-        /// Where the called function returns to: an address no code has (not 0xFFFFFFxx).
-        std::uint32_t returnAddress = 0xF0000000;
+        /// Where the called function returns to: an address no code has, in a region the core may
+        /// execute from (below 0xA0000000; the system and device regions never execute).
+        std::uint32_t returnAddress = 0x9FFFFF00;
     };
 
     /// What setUp() placed: the state the call starts from and where its result will be.

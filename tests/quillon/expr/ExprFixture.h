@@ -97,7 +97,7 @@ protected:
 
     std::uint32_t address(const std::string& global) const { return *firmware().findGlobal(global)->address; }
 
-    FunctionCaller::Options callOptions{1000000, 0xF0000000};
+    FunctionCaller::Options callOptions{1000000, 0x9FFFFF00};
     std::unique_ptr<target::Target> target;
 };
 
