@@ -148,6 +148,9 @@ Value Converter::convert(const Value& original, const Type* to, std::optional<st
             from->target()->size() != target->target()->size()) {
             throw refuse();
         }
+        if (target->size() > Value::maxBytes) {
+            throw refuse();
+        }
         std::vector<std::uint8_t> bytes = value.bytes(m_target);
         bytes.resize(target->size(), 0);
         return Value::ofBytes(to, std::move(bytes));

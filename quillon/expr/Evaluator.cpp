@@ -207,7 +207,8 @@ Value Evaluator::member(const Node& node, const Value& base)
     }
     const std::vector<std::uint8_t>& bytes = base.bytes(m_target);
     if (m.isBitField()) {
-        std::uint64_t bits = littleEndian(bytes, m.offset, (m.bitOffset + m.bitSize + 7) / 8) >> m.bitOffset;
+        const unsigned shift = m.bitOffset % 8;
+        std::uint64_t bits = littleEndian(bytes, m.offset + m.bitOffset / 8, (shift + m.bitSize + 7) / 8) >> shift;
         const std::uint64_t mask = m.bitSize >= 64 ? ~std::uint64_t(0) : (std::uint64_t(1) << m.bitSize) - 1;
         bits &= mask;
         if (m.type->isSigned() && (bits >> (m.bitSize - 1)) & 1) {

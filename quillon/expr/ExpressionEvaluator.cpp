@@ -3,7 +3,26 @@
 #include "expr/Evaluator.h"
 #include "expr/ExprError.h"
 
+#include "debuginfo/DebugInfoError.h"
+#include "target/TargetError.h"
+
 namespace quillon::expr {
+namespace {
+
+/// Runs f; failures of the layers below become ExprErrors with their text.
+template <class F>
+auto guarded(F&& f)
+{
+    try {
+        return f();
+    } catch (const target::TargetError& error) {
+        throw ExprError(error.what());
+    } catch (const debuginfo::DebugInfoError& error) {
+        throw ExprError(error.what());
+    }
+}
+
+} // namespace
 
 ExpressionEvaluator::ExpressionEvaluator(const debuginfo::DebugInfo& debug, target::Target& target,
                                          const ScopeChain& scopes, FunctionCaller::Options callOptions)
@@ -31,14 +50,16 @@ EvaluationResult ExpressionEvaluator::result(const Value& value, const std::stri
 
 EvaluationResult ExpressionEvaluator::evaluate(const std::string& expression)
 {
-    const ParsedExpression parsed = parse(expression);
-    if (!parsed.format.empty() && !ValueFormatter::isDisplayFormat(parsed.format)) {
-        throw ExprError("unknown display format '" + parsed.format + "'");
-    }
-    Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
-    const Value value = evaluator.evaluate(*parsed.root);
-    load(value, *parsed.root);
-    return result(value, parsed.format);
+    return guarded([&] {
+        const ParsedExpression parsed = parse(expression);
+        if (!parsed.format.empty() && !ValueFormatter::isDisplayFormat(parsed.format)) {
+            throw ExprError("unknown display format '" + parsed.format + "'");
+        }
+        Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
+        const Value value = evaluator.evaluate(*parsed.root);
+        load(value, *parsed.root);
+        return result(value, parsed.format);
+    });
 }
 
 void ExpressionEvaluator::load(const Value& value, const Node& root) const
@@ -56,28 +77,34 @@ void ExpressionEvaluator::load(const Value& value, const Node& root) const
 
 Value ExpressionEvaluator::value(const std::string& expression)
 {
-    const ParsedExpression parsed = parse(expression);
-    if (!parsed.format.empty()) {
-        throw ExprError("a display format has no place here");
-    }
-    Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
-    return evaluator.evaluate(*parsed.root);
+    return guarded([&] {
+        const ParsedExpression parsed = parse(expression);
+        if (!parsed.format.empty()) {
+            throw ExprError("a display format has no place here");
+        }
+        Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
+        return evaluator.evaluate(*parsed.root);
+    });
 }
 
 EvaluationResult ExpressionEvaluator::modify(const std::string& lvalue, const std::string& value)
 {
-    const ParsedExpression target = parse(lvalue);
-    const Value assigned = this->value(value);
-    Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
-    return result(evaluator.assign(*target.root, assigned), target.format);
+    return guarded([&] {
+        const ParsedExpression target = parse(lvalue);
+        const Value assigned = this->value(value);
+        Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
+        return result(evaluator.assign(*target.root, assigned), target.format);
+    });
 }
 
 EvaluationResult ExpressionEvaluator::modify(const std::string& lvalue, const Scalar& value)
 {
-    const ParsedExpression target = parse(lvalue);
-    const Value assigned = value.toValue(m_debug.types());
-    Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
-    return result(evaluator.assign(*target.root, assigned), target.format);
+    return guarded([&] {
+        const ParsedExpression target = parse(lvalue);
+        const Value assigned = value.toValue(m_debug.types());
+        Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
+        return result(evaluator.assign(*target.root, assigned), target.format);
+    });
 }
 
 const debuginfo::Type* ExpressionEvaluator::parseType(const std::string& text) const

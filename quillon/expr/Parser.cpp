@@ -18,12 +18,15 @@ const std::array<std::initializer_list<const char*>, 10> binaryLevels = {{
 constexpr std::array<const char*, 11> assignmentOperators = {"=", "+=", "-=", "*=", "/=", "%=",
                                                              "<<=", ">>=", "&=", "|=", "^="};
 
+constexpr unsigned maxDepth = 256;
+
 } // namespace
 
 ParsedExpression Parser::parse(const std::string& text)
 {
     m_tokens = Lexer::tokenize(text);
     m_pos = 0;
+    m_depth = 0;
     if (peek().kind == Token::Kind::End) {
         throw ExprError("empty expression", 1);
     }
@@ -74,9 +77,19 @@ bool Parser::atTypeName(std::size_t ahead) const
     return m_types.startsTypeName(peek(ahead));
 }
 
+void Parser::enter()
+{
+    if (++m_depth > maxDepth) {
+        throw ExprError("expression nested too deeply", peek().column());
+    }
+}
+
 Parser::NodePtr Parser::expression()
 {
-    return assignment();
+    enter();
+    NodePtr node = assignment();
+    --m_depth;
+    return node;
 }
 
 Parser::NodePtr Parser::assignment()
@@ -151,6 +164,14 @@ Parser::NodePtr Parser::cast()
 }
 
 Parser::NodePtr Parser::unary()
+{
+    enter();
+    NodePtr node = unaryOperation();
+    --m_depth;
+    return node;
+}
+
+Parser::NodePtr Parser::unaryOperation()
 {
     const Token& token = peek();
     if (token.is("++") || token.is("--")) {

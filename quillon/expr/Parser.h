@@ -34,6 +34,9 @@ private:
     NodePtr binary(int level);
     NodePtr cast();
     NodePtr unary();
+    NodePtr unaryOperation();
+    /// Counts one level of nesting; too deep a text is an error, not a stack overflow.
+    void enter();
     NodePtr postfix();
     NodePtr primary();
     const debuginfo::Type* typeName();
@@ -47,6 +50,7 @@ private:
     const TypeTextParser& m_types;
     std::vector<Token> m_tokens;
     std::size_t m_pos = 0;
+    unsigned m_depth = 0;
 };
 
 } // namespace quillon::expr

@@ -94,8 +94,8 @@ Value Value::inRegister(const Type* type, target::Register reg)
 
 Value Value::bitField(const Type* type, std::uint32_t address, unsigned bitOffset, unsigned bitSize)
 {
-    Value value = inMemory(type, address);
-    value.m_bitOffset = bitOffset;
+    Value value = inMemory(type, address + bitOffset / 8);
+    value.m_bitOffset = bitOffset % 8;
     value.m_bitSize = bitSize;
     return value;
 }
@@ -129,6 +129,9 @@ Value Value::retyped(const Type* type) const
 std::vector<std::uint8_t> Value::load(const target::Target& target) const
 {
     const std::size_t size = m_type->size();
+    if (size > maxBytes) {
+        throw ExprError("'" + m_type->name() + "' is too large to read (" + std::to_string(size) + " bytes)");
+    }
     if (m_storage == Storage::Register) {
         return toBytes(target.readRegister(m_register), size);
     }

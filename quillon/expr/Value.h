@@ -3,6 +3,7 @@
 #include "debuginfo/Type.h"
 #include "target/RegisterTable.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -20,6 +21,9 @@ namespace quillon::expr {
 class Value {
 public:
     enum class Storage { Bytes, Memory, Register };
+
+    /// The largest value read or made as a whole.
+    static constexpr std::size_t maxBytes = 16u << 20;
 
     /// An rvalue; `bytes` holds the type's size.
     static Value ofBytes(const debuginfo::Type* type, std::vector<std::uint8_t> bytes);

@@ -272,8 +272,9 @@ void ValueFormatter::writeStruct(std::string& out, const Type* plain, const std:
             write(out, member.type, bytes, offset + member.offset, format);
             continue;
         }
-        const std::size_t span = (member.bitOffset + member.bitSize + 7) / 8;
-        std::uint64_t bits = bitsAt(bytes, offset + member.offset, span) >> member.bitOffset;
+        const unsigned shift = member.bitOffset % 8;
+        const std::size_t span = (shift + member.bitSize + 7) / 8;
+        std::uint64_t bits = bitsAt(bytes, offset + member.offset + member.bitOffset / 8, span) >> shift;
         const std::uint64_t mask = member.bitSize >= 64 ? ~std::uint64_t(0) : (std::uint64_t(1) << member.bitSize) - 1;
         bits &= mask;
         if (member.type->isSigned() && (bits >> (member.bitSize - 1)) & 1) {

@@ -360,6 +360,20 @@ TEST_F(ExpressionTest, ErrorsNameTheProblemAndItsColumn)
     }
 }
 
+TEST_F(ExpressionTest, DeepNestingIsAnErrorNotAStackOverflow)
+{
+    EXPECT_EQ(text(std::string(100, '(') + "1" + std::string(100, ')')), "1");
+    std::string negations;
+    for (int i = 0; i < 100; ++i) {
+        negations += "- ";
+    }
+    EXPECT_EQ(text(negations + "1"), "1");
+    for (const std::string& deep : {std::string(600, '(') + "1" + std::string(600, ')'), std::string(600, '!') + "1"}) {
+        const std::string message = error(deep);
+        EXPECT_EQ(message.rfind("expression nested too deeply (column ", 0), 0u) << message;
+    }
+}
+
 TEST_F(ExpressionTest, RegistersByPlainAndAtName)
 {
     const std::uint32_t sp = target->readRegister(target::Register::SP);

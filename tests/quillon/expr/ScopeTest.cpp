@@ -58,6 +58,23 @@ TEST_F(ScopeTest, NamedObjectsHideGlobalsUntilRemoved)
     EXPECT_EQ(evaluator->evaluate("g_s32").text, "-100000");
 }
 
+TEST_F(ScopeTest, ObjectsTooLargeToReadAreErrors)
+{
+    objects->add("huge", evaluator->parseType("char[100000000]"), 0x20000000);
+    EXPECT_EQ(evaluator->evaluate("sizeof huge").text, "100000000");
+    EXPECT_EQ(evaluator->evaluate("huge[3] == g_array[0]").text, "0");
+    EXPECT_THROW(
+        {
+            try {
+                evaluator->evaluate("huge");
+            } catch (const ExprError& error) {
+                EXPECT_STREQ(error.what(), "'char[100000000]' is too large to read (100000000 bytes) (column 1)");
+                throw;
+            }
+        },
+        ExprError);
+}
+
 TEST_F(ScopeTest, GlobalChainWithoutFrame)
 {
     const ScopeChain globals = ScopeChain::forGlobals(firmware(), *target);
