@@ -264,7 +264,8 @@ Parser::NodePtr Parser::primary()
         return node;
     }
     case Token::Kind::Identifier: {
-        if (m_types.startsTypeName(token)) {
+        // A typedef's name may also name an object; the scopes decide.
+        if (TypeTextParser::isTypeKeyword(token.text)) {
             throw ExprError("unexpected type name '" + token.text + "'", token.column());
         }
         auto node = std::make_unique<Node>(Node::Kind::Name, token.position);

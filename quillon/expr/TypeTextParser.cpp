@@ -42,12 +42,17 @@ const Type* TypeTextParser::parse(const std::string& text) const
     return type;
 }
 
+bool TypeTextParser::isTypeKeyword(const std::string& word)
+{
+    return isBaseWord(word) || isQualifier(word) || isTag(word);
+}
+
 bool TypeTextParser::startsTypeName(const Token& token) const
 {
     if (token.kind != Token::Kind::Identifier) {
         return false;
     }
-    if (isBaseWord(token.text) || isQualifier(token.text) || isTag(token.text)) {
+    if (isTypeKeyword(token.text)) {
         return true;
     }
     const Type* named = m_types.find(token.text, m_unit);

@@ -27,6 +27,8 @@ public:
 
     /// Whether the token can begin a type name: a type keyword or a typedef's name.
     bool startsTypeName(const Token& token) const;
+    /// Base type words, qualifiers, struct, union and enum.
+    static bool isTypeKeyword(const std::string& word);
     /// Reads a type name from tokens[pos], leaving pos behind it.
     const debuginfo::Type* parse(const std::vector<Token>& tokens, std::size_t& pos) const;
 

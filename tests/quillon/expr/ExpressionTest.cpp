@@ -350,6 +350,8 @@ TEST_F(ExpressionTest, ErrorsNameTheProblemAndItsColumn)
         {"'ab'", "unterminated character constant (column 1)"},
         {"\"abc", "unterminated string (column 1)"},
         {"int", "unexpected type name 'int' (column 1)"},
+        {"1 + struct", "unexpected type name 'struct' (column 5)"},
+        {"ring_t", "no symbol 'ring_t' in the current scope (column 1)"},
         {"g_s32(1)", "'int32_t' is not a function (column 6)"},
         {"", "empty expression (column 1)"},
         {"g_point ? 1 : 2", "'struct point' is not a scalar (column 1)"},
