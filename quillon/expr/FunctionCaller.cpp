@@ -44,10 +44,11 @@ bool returnsByPointer(const Type* returnType)
     return returnType != nullptr && isComposite(returnType) && returnType->size() > 4;
 }
 
-/// The core's registers, put back when the call is over whichever way it ends.
+/// The core's registers and stop, put back when the call is over whichever way it ends.
 class RegisterGuard {
 public:
-    explicit RegisterGuard(target::Target& target) : m_target(target), m_returnAddress(target.returnAddress())
+    explicit RegisterGuard(target::Target& target)
+        : m_target(target), m_returnAddress(target.returnAddress()), m_stop(target.stopInfo())
     {
         for (std::size_t i = 0; i < savedRegisters.size(); ++i) {
             m_values[i] = target.readRegister(savedRegisters[i]);
@@ -60,6 +61,7 @@ public:
             for (std::size_t i = 0; i < savedRegisters.size(); ++i) {
                 m_target.writeRegister(savedRegisters[i], m_values[i]);
             }
+            m_target.restoreStop(m_stop);
         } catch (const target::TargetError&) {
             // A target that cannot be written to keeps what it has.
         }
@@ -70,6 +72,7 @@ public:
 private:
     target::Target& m_target;
     std::optional<std::uint32_t> m_returnAddress;
+    target::StopInfo m_stop;
     std::array<std::uint32_t, savedRegisters.size()> m_values{};
 };
 

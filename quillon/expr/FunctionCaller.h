@@ -44,8 +44,9 @@ public:
     const Options& options() const { return m_options; }
 
     /// Calls the function at `entry` (the Thumb bit is set here) of function type `type`. The core's
-    /// registers and the return-address setting are the same afterwards; what the function wrote
-    /// to memory stays. `stackTop`: the memory below it takes the stack arguments and a returned
+    /// registers, its stop (a breakpoint it stopped at is passed over on resume) and the
+    /// return-address setting are the same afterwards; what the function wrote to memory and the
+    /// cycles it took stay. `stackTop`: the memory below it takes the stack arguments and a returned
     /// structure (default: the current sp). Throws ExprError naming `name` if the call does not
     /// return (fault, breakpoint, instruction limit).
     Value call(std::uint32_t entry, const debuginfo::Type* type, const std::vector<Value>& arguments,

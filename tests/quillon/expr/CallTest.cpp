@@ -96,6 +96,21 @@ TEST_F(CallTest, SideEffectsStayAndRegistersAreRestored)
     EXPECT_FALSE(target->returnAddress().has_value());
 }
 
+TEST_F(CallTest, ResumingAfterACallPassesTheBreakpointItStoppedAt)
+{
+    // Stopped at a breakpoint; a call in between must not make the next run stop there again.
+    const std::uint32_t stoppedAt = firmware().breakpointAddress(*firmware().findFunction("hidden_value"));
+    target->setBreakpoint(stoppedAt);
+    ASSERT_EQ(target->runToStop().pc, stoppedAt);
+    EXPECT_EQ(text("bump(1)"), "1");
+    EXPECT_EQ(target->stopInfo().reason, target::StopReason::Breakpoint);
+    EXPECT_EQ(target->pc(), stoppedAt);
+    target::RunOptions options;
+    options.instructionLimit = 10000;
+    const target::StopInfo next = target->runToStop(options);
+    EXPECT_NE(next.pc, stoppedAt);
+}
+
 TEST_F(CallTest, CallsThatDoNotReturnFailAndLeaveTheCoreAsItWas)
 {
     const auto before = registers();
