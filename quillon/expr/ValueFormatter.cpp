@@ -4,6 +4,7 @@
 
 #include "target/Target.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -292,13 +293,14 @@ void ValueFormatter::writeArray(std::string& out, const Type* plain, const std::
     const std::uint64_t count = plain->count().value_or(0);
     const std::uint64_t size = element ? element->size() : 0;
     if (element != nullptr && isCharType(element->unqualified()) && format == '\0') {
+        // Up to the last character that is not a zero; zeros before it are escaped.
+        std::uint64_t end = std::min<std::uint64_t>(count, bytes.size() > offset ? bytes.size() - offset : 0);
+        while (end > 0 && bytes[offset + end - 1] == 0) {
+            --end;
+        }
         std::string text;
-        for (std::uint64_t i = 0; i < count && offset + i < bytes.size(); ++i) {
-            const unsigned char c = bytes[offset + i];
-            if (c == 0) {
-                break;
-            }
-            text += escaped(c, '"');
+        for (std::uint64_t i = 0; i < end; ++i) {
+            text += escaped(bytes[offset + i], '"');
         }
         out += "\"" + text + "\"";
         return;

@@ -19,7 +19,7 @@ namespace quillon::expr {
 /// enumerator's name, floats with the digits that give them back (9 significant digits, 17 for
 /// doubles), pointers as 0x and hex digits (with the string a char pointer points to and the
 /// function a code pointer points to), structs as `{x = 1, y = 2}`, arrays as `{1, 2, 3}` and
-/// char arrays as a string.
+/// char arrays as a string up to their last character that is not zero.
 ///
 /// A display format changes scalars, also inside structs and arrays: d signed decimal,
 /// u unsigned decimal, x or h hex, o octal, b binary, c character.

@@ -162,6 +162,8 @@ TEST_F(ExpressionTest, StructUnionAndBitFieldMembers)
         {"g_records[0].tint", "GREEN"},
         {"g_records[0].tint == GREEN", "1"},
         {"g_number.real", "1.5"},
+        {"g_number", "{word = 1069547520, bytes = \"\\000\\000\\300?\", real = 1.5}"},
+        {"g_ring.buffer", "\"\\001\\002\\003\""},
         {"g_number.bytes[3]", "63 '?'"},
         {"g_number.word == 0x3FC00000", "1"},
         {"g_ring.head", "3 '\\003'"},

@@ -70,7 +70,7 @@ TEST_F(GdbDifferential, StaticExpressionsHaveTheValuesGdbPrints)
         "g_records[0].bits.wide", "g_records[0].bits.level", "g_records[1].bits", "g_records[0].tint",
         "sizeof(struct record)", "sizeof g_matrix[0]", "g_u8 + 1", "g_s32 < g_u32", "-7 / 2", "-7 % 2",
         "(char)321", "(unsigned char)-1", "(short)70000", "g_float * 2", "g_double + g_float", "0.1", "0.1f",
-        "(float)1 / 3", "g_number.real", "g_number.bytes[3]", "g_ring.head", "g_u16 * g_u16", "g_s64 / 1000",
+        "(float)1 / 3", "g_number.real", "g_number", "g_number.bytes[3]", "g_ring.head", "g_u16 * g_u16", "g_s64 / 1000",
         "g_u64 % 7", "~0u", "*g_int_ptr", "g_int_ptr - g_array", "&g_array[4] - &g_array[1]", "g_text[1]",
         "g_point_ptr", "g_point_ptr->y", "g_null", "g_message", "g_fn", "g_int_ptr", "&g_point", "g_records[0].next",
         "(g_s32 >> 4) & 0xff", "g_s16 * g_s8", "1.5 * g_s32", "g_u32 / 3u", "!g_null", "BLUE + 1",
