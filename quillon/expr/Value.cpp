@@ -113,19 +113,6 @@ std::optional<target::Register> Value::reg() const
     return m_storage == Storage::Register ? std::optional<target::Register>(m_register) : std::nullopt;
 }
 
-Value Value::retyped(const Type* type) const
-{
-    Value value = *this;
-    value.m_type = type;
-    if (m_storage == Storage::Bytes) {
-        value.m_bytes.resize(type->size(), 0);
-    } else {
-        value.m_loaded = false;
-        value.m_bytes.clear();
-    }
-    return value;
-}
-
 std::vector<std::uint8_t> Value::load(const target::Target& target) const
 {
     const std::size_t size = m_type->size();

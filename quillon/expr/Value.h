@@ -61,9 +61,6 @@ public:
     /// Writes `bytes` (the type's size) to the lvalue. Throws ExprError if it is none.
     void store(target::Target& target, const std::vector<std::uint8_t>& bytes) const;
 
-    /// The same storage seen as another type (a cast of an lvalue, a member at an offset).
-    Value retyped(const debuginfo::Type* type) const;
-
 private:
     Value(const debuginfo::Type* type, Storage storage) : m_type(type), m_storage(storage) {}
     std::vector<std::uint8_t> load(const target::Target& target) const;
