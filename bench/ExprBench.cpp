@@ -1,5 +1,6 @@
-// Evaluation of expressions on a stopped target: a struct member through a pointer and an array,
-// with and without building the scopes and the evaluator for each evaluation.
+// Evaluation of expressions on a stopped target: a struct member through a pointer and an array;
+// with scopes ready, with new scopes for each evaluation (a long-lived evaluator, as a debug
+// service keeps one), and with the evaluator built for each evaluation too.
 #include "debuginfo/DebugInfo.h"
 #include "expr/ExpressionEvaluator.h"
 #include "expr/ScopeChain.h"
@@ -54,6 +55,18 @@ void evaluateWithScopesReady(benchmark::State& state, const char* expression)
     }
 }
 
+void evaluateWithNewScopes(benchmark::State& state, const char* expression)
+{
+    Stopped& s = stopped();
+    const expr::ScopeChain first = expr::ScopeChain::forStop(s.debug, *s.core);
+    expr::ExpressionEvaluator evaluator(s.debug, *s.core, first);
+    for (auto _ : state) {
+        const expr::ScopeChain scopes = expr::ScopeChain::forStop(s.debug, *s.core);
+        evaluator.setScopes(scopes);
+        benchmark::DoNotOptimize(evaluator.evaluate(expression));
+    }
+}
+
 void evaluateFromScratch(benchmark::State& state, const char* expression)
 {
     Stopped& s = stopped();
@@ -66,6 +79,8 @@ void evaluateFromScratch(benchmark::State& state, const char* expression)
 
 BENCHMARK_CAPTURE(evaluateWithScopesReady, pointerMember, "g_point_ptr->y");
 BENCHMARK_CAPTURE(evaluateWithScopesReady, arrayStructMember, "g_records[0].corners[1].y");
+BENCHMARK_CAPTURE(evaluateWithNewScopes, pointerMember, "g_point_ptr->y");
+BENCHMARK_CAPTURE(evaluateWithNewScopes, arrayStructMember, "g_records[0].corners[1].y");
 BENCHMARK_CAPTURE(evaluateFromScratch, pointerMember, "g_point_ptr->y");
 BENCHMARK_CAPTURE(evaluateFromScratch, arrayStructMember, "g_records[0].corners[1].y");
 BENCHMARK_CAPTURE(evaluateFromScratch, comparison, "g_records[0].bits.wide == 703710");

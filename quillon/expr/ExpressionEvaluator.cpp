@@ -26,7 +26,7 @@ auto guarded(F&& f)
 
 ExpressionEvaluator::ExpressionEvaluator(const debuginfo::DebugInfo& debug, target::Target& target,
                                          const ScopeChain& scopes, FunctionCaller::Options callOptions)
-    : m_debug(debug), m_target(target), m_scopes(scopes), m_types(debug.types()),
+    : m_debug(debug), m_target(target), m_scopes(&scopes), m_types(debug.types()),
       m_converter(debug.types(), target), m_caller(m_converter, target, callOptions), m_formatter(debug, target)
 {
 }
@@ -55,7 +55,7 @@ EvaluationResult ExpressionEvaluator::evaluate(const std::string& expression)
         if (!parsed.format.empty() && !ValueFormatter::isDisplayFormat(parsed.format)) {
             throw ExprError("unknown display format '" + parsed.format + "'");
         }
-        Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
+        Evaluator evaluator(m_converter, m_target, *m_scopes, &m_caller);
         const Value value = evaluator.evaluate(*parsed.root);
         load(value, *parsed.root);
         return result(value, parsed.format);
@@ -82,7 +82,7 @@ Value ExpressionEvaluator::value(const std::string& expression)
         if (!parsed.format.empty()) {
             throw ExprError("a display format has no place here");
         }
-        Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
+        Evaluator evaluator(m_converter, m_target, *m_scopes, &m_caller);
         return evaluator.evaluate(*parsed.root);
     });
 }
@@ -92,7 +92,7 @@ EvaluationResult ExpressionEvaluator::modify(const std::string& lvalue, const st
     return guarded([&] {
         const ParsedExpression target = parse(lvalue);
         const Value assigned = this->value(value);
-        Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
+        Evaluator evaluator(m_converter, m_target, *m_scopes, &m_caller);
         return result(evaluator.assign(*target.root, assigned), target.format);
     });
 }
@@ -102,7 +102,7 @@ EvaluationResult ExpressionEvaluator::modify(const std::string& lvalue, const Sc
     return guarded([&] {
         const ParsedExpression target = parse(lvalue);
         const Value assigned = value.toValue(m_debug.types());
-        Evaluator evaluator(m_converter, m_target, m_scopes, &m_caller);
+        Evaluator evaluator(m_converter, m_target, *m_scopes, &m_caller);
         return result(evaluator.assign(*target.root, assigned), target.format);
     });
 }

@@ -24,9 +24,14 @@ namespace quillon::expr {
 /// assigns values, parses type texts. Every failure is an ExprError.
 class ExpressionEvaluator {
 public:
-    /// All must outlive the evaluator. The target must be stopped while it is used.
+    /// All must outlive the evaluator (the scopes until others are set). The target must be stopped
+    /// while it is used.
     ExpressionEvaluator(const debuginfo::DebugInfo& debug, target::Target& target, const ScopeChain& scopes,
                         FunctionCaller::Options callOptions = {});
+
+    /// The scopes names resolve in from now on (after the target stopped elsewhere); they must
+    /// outlive their use. One evaluator can so serve one target and its debug information for long.
+    void setScopes(const ScopeChain& scopes) { m_scopes = &scopes; }
 
     /// The expression's value as text (a display format behind a comma applies), scalar and type.
     EvaluationResult evaluate(const std::string& expression);
@@ -53,7 +58,7 @@ private:
 
     const debuginfo::DebugInfo& m_debug;
     target::Target& m_target;
-    const ScopeChain& m_scopes;
+    const ScopeChain* m_scopes;
     TypeTextParser m_types;
     Converter m_converter;
     FunctionCaller m_caller;

@@ -268,13 +268,13 @@ Token Lexer::string()
 Token Lexer::punctuator()
 {
     for (const char* p : punctuators) {
-        const std::string text(p);
-        if (m_text.compare(m_pos, text.size(), text) == 0) {
+        const std::size_t length = std::char_traits<char>::length(p);
+        if (m_text[m_pos] == p[0] && m_text.compare(m_pos, length, p) == 0) {
             Token token;
             token.kind = Token::Kind::Punctuator;
             token.position = m_pos;
-            token.text = text;
-            m_pos += text.size();
+            token.text = p;
+            m_pos += length;
             return token;
         }
     }

@@ -4,17 +4,13 @@
 
 namespace quillon::expr {
 
-RegisterScope::RegisterScope(const debuginfo::TypeTable& types) : m_type(types.find("unsigned int"))
-{
-}
-
 std::optional<Value> RegisterScope::find(const std::string& name) const
 {
     const auto reg = target::RegisterTable::find(name);
     if (!reg) {
         return std::nullopt;
     }
-    Value value = Value::inRegister(m_type, *reg);
+    Value value = Value::inRegister(m_types.find("unsigned int"), *reg);
     value.setLabel("register " + name);
     return value;
 }

@@ -10,12 +10,13 @@ namespace quillon::expr {
 /// the innermost frame.
 class RegisterScope : public Scope {
 public:
-    explicit RegisterScope(const debuginfo::TypeTable& types);
+    /// `types` must outlive the scope.
+    explicit RegisterScope(const debuginfo::TypeTable& types) : m_types(types) {}
 
     std::optional<Value> find(const std::string& name) const override;
 
 private:
-    const debuginfo::Type* m_type;
+    const debuginfo::TypeTable& m_types;
 };
 
 } // namespace quillon::expr

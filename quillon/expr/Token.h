@@ -20,7 +20,10 @@ struct Token {
     bool isFloat = false;        ///< Floating: suffix f
     bool decimal = true;         ///< Integer: written in decimal
 
-    bool is(const char* punctuator) const { return kind == Kind::Punctuator && text == punctuator; }
+    bool is(const char* punctuator) const
+    {
+        return kind == Kind::Punctuator && text[0] == punctuator[0] && text == punctuator;
+    }
     /// Column from 1, for messages.
     std::size_t column() const { return position + 1; }
 };

@@ -75,6 +75,17 @@ TEST_F(ScopeTest, ObjectsTooLargeToReadAreErrors)
         ExprError);
 }
 
+TEST_F(ScopeTest, AnEvaluatorServesNewScopesAfterTheTargetMoved)
+{
+    runTo("hidden_value");
+    const ScopeChain there = ScopeChain::forStop(firmware(), *target);
+    evaluator->setScopes(there);
+    EXPECT_EQ(evaluator->evaluate("s_hidden + 1").text, "78");
+    const ScopeChain caller = ScopeChain::forStop(firmware(), *target, 1);
+    evaluator->setScopes(caller);
+    EXPECT_EQ(evaluator->evaluate("local.y").text, "2");
+}
+
 TEST_F(ScopeTest, GlobalChainWithoutFrame)
 {
     const ScopeChain globals = ScopeChain::forGlobals(firmware(), *target);
