@@ -4,7 +4,12 @@ namespace quillon::expr {
 
 void NamedObjectScope::add(const std::string& name, const debuginfo::Type* type, std::uint32_t address)
 {
-    m_objects[name] = Object{type, address};
+    add(name, Value::inMemory(type, address));
+}
+
+void NamedObjectScope::add(const std::string& name, const Value& value)
+{
+    m_objects.insert_or_assign(name, value);
 }
 
 bool NamedObjectScope::remove(const std::string& name)
@@ -18,7 +23,7 @@ std::optional<Value> NamedObjectScope::find(const std::string& name) const
     if (found == m_objects.end()) {
         return std::nullopt;
     }
-    return Value::inMemory(found->second.type, found->second.address);
+    return found->second;
 }
 
 } // namespace quillon::expr

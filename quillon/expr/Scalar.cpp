@@ -33,7 +33,7 @@ Scalar Scalar::of(const Value& value, const target::Target& target)
     case Type::Kind::Function:
         scalar.code = Code::Address;
         scalar.bitSize = 32;
-        scalar.bits = value.address().value_or(0);
+        scalar.bits = value.address().value_or(0) | 1u; // as code holds it: with the Thumb bit
         return scalar;
     case Type::Kind::Pointer:
         scalar.code = Code::Address;

@@ -315,6 +315,8 @@ TEST_F(ExpressionTest, ResultsCarryScalarAndType)
     EXPECT_EQ(pointer.scalar.bits, address("g_point"));
     EXPECT_EQ(evaluate("g_records").byteSize, 104u);
     EXPECT_EQ(evaluate("g_records").kind, debuginfo::Type::Kind::Array);
+    EXPECT_EQ(evaluate("add").scalar.bits, firmware().findFunction("add")->entry | 1u);
+    EXPECT_EQ(evaluate("add").scalar.code, Scalar::Code::Address);
 }
 
 TEST_F(ExpressionTest, ErrorsNameTheProblemAndItsColumn)

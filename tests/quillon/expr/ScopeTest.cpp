@@ -47,6 +47,18 @@ TEST_F(ScopeTest, NamedObjectsOfTypeTextsAreTargetMemory)
     EXPECT_EQ(stored, address("g_ring"));
 }
 
+TEST_F(ScopeTest, NamedObjectsInRegisters)
+{
+    // As a stub's parameters are at its entry: the first ones in r0 and r1.
+    target->writeRegister(target::Register::R0, 0xFFFFFFFE);
+    target->writeRegister(target::Register::R1, address("g_point"));
+    objects->add("delta", Value::inRegister(evaluator->parseType("int"), target::Register::R0));
+    objects->add("where", Value::inRegister(evaluator->parseType("struct point *"), target::Register::R1));
+    EXPECT_EQ(evaluator->evaluate("delta * where->y").text, "8");
+    EXPECT_EQ(evaluator->modify("delta", "delta - 1").text, "-3");
+    EXPECT_EQ(target->readRegister(target::Register::R0), 0xFFFFFFFDu);
+}
+
 TEST_F(ScopeTest, NamedObjectsHideGlobalsUntilRemoved)
 {
     objects->add("g_s32", evaluator->parseType("short"), 0x2000F000);
