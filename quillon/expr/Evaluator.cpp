@@ -135,7 +135,7 @@ Value Evaluator::truthValue(bool value) const
     return Value::ofInteger(m_converter.intType(), value ? 1 : 0);
 }
 
-Value Evaluator::literal(const Node& node)
+Value Evaluator::literal(const Node& node) const
 {
     const Token& token = node.token;
     switch (node.kind) {
@@ -589,7 +589,7 @@ const Type* Evaluator::staticType(const Node& node) const
         case Node::Kind::Integer:
         case Node::Kind::Floating:
         case Node::Kind::Character:
-            return const_cast<Evaluator*>(this)->literal(node).type();
+            return literal(node).type();
         case Node::Kind::Name: {
             const auto value = m_scopes.find(node.name);
             return value ? value->type() : nullptr;

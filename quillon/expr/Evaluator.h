@@ -27,7 +27,7 @@ public:
 private:
     Value name(const Node& node);
     Value registerValue(const Node& node);
-    Value literal(const Node& node);
+    Value literal(const Node& node) const;
     Value member(const Node& node, const Value& base);
     Value arrow(const Node& node);
     Value index(const Node& node);
