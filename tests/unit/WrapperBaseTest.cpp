@@ -209,23 +209,6 @@ TEST_F(WrapperBaseTest, GatesNameTheMissingInterface)
     }
 }
 
-TEST_F(WrapperBaseTest, PlainClientHasNoBetaInterfaces)
-{
-    COrbelClient plain;
-    ASSERT_EQ(1, plain.load(library("whole").c_str()));
-    {
-        auto mgr = std::make_shared<ConnectionMgr>(&plain, 0);
-        mgr->connect("", 1);
-        WrapperBase base(mgr);
-        EXPECT_EQ("Coverage interface is not available." + CONNECT_HINT,
-                  thrownBy<IOException>([&] { base.getOrbelCoverage(); }).getDesc());
-        EXPECT_EQ("'Test' interface is not available." + CONNECT_HINT,
-                  thrownBy<IOException>([&] { base.getOrbelTest(); }).getDesc());
-        EXPECT_EQ("HIL interface is not available." + CONNECT_HINT,
-                  thrownBy<IOException>([&] { base.getOrbelHIL(); }).getDesc());
-    }
-}
-
 TEST_F(WrapperBaseTest, LoggerOfTheConnection)
 {
     auto mgr = connected();

@@ -55,19 +55,19 @@ TEST(LineTable, FilesMatchByFullPathOrTrailingComponents)
     for (const char* file : {"unctions.c", "/functions.c", "FUNCTIONS.C", "functions", ""}) {
         EXPECT_TRUE(lines().addresses(file, line).empty()) << file;
     }
+    for (const std::string& file : lines().files()) {
+        EXPECT_EQ(file.front(), '/') << file;
+        EXPECT_EQ(file.find("/../"), std::string::npos) << file;
+    }
 }
 
-TEST(LineTable, LinesWithoutCodeHaveNoAddresses)
+TEST(LineTable, LinesWithoutCodeAndAddressesOutsideIt)
 {
     const unsigned comment = markerLine("functions.c", "/* Functions with parameters");
     ASSERT_GT(comment, 0u);
-    EXPECT_TRUE(lines().addresses("functions.c", comment).empty());
-    EXPECT_TRUE(lines().addresses("functions.c", 0).empty());
-    EXPECT_TRUE(lines().addresses("functions.c", 100000).empty());
-}
-
-TEST(LineTable, AddressesOutsideTheCodeHaveNoLine)
-{
+    for (unsigned line : {comment, 0u, 100000u}) {
+        EXPECT_TRUE(lines().addresses("functions.c", line).empty()) << line;
+    }
     EXPECT_FALSE(lines().find(0x20000000).has_value());
     EXPECT_FALSE(lines().find(0x00030000).has_value());
     EXPECT_FALSE(lines().lineRange(0x20000000).has_value());
@@ -132,14 +132,6 @@ TEST(LineTable, BreakpointsOnFunctionsStopAfterThePrologue)
     // Optimized code: the locations hold from the first instruction.
     const Function* checksum = firmware().findFunction("checksum");
     EXPECT_EQ(firmware().breakpointAddress(*checksum), checksum->entry);
-}
-
-TEST(LineTable, FilesAreFullPaths)
-{
-    for (const std::string& file : lines().files()) {
-        EXPECT_EQ(file.front(), '/') << file;
-        EXPECT_EQ(file.find("/../"), std::string::npos) << file;
-    }
 }
 
 TEST(SourcePath, JoinsAndResolvesByText)

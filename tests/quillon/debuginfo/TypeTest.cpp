@@ -174,21 +174,16 @@ const std::vector<BitFieldCase> flagsLayout = {
     {"ready", 0, 0, 1}, {"mode", 0, 1, 3}, {"level", 0, 4, 4}, {"count", 1, 0, 12}, {"tail", 3, 0, 0}};
 const std::vector<BitFieldCase> packedLayout = {{"lo", 0, 0, 4}, {"hi", 0, 4, 4}, {"mid", 2, 0, 9}, {"top", 3, 1, 7}};
 
-TEST(Types, BitFieldsOfDwarf4)
+TEST(Types, BitFieldsOfDwarf4And5)
 {
-    const Variable* flags = firmware().findGlobal("g_flags");
-    ASSERT_EQ(firmware().units()[flags->unit].version, 4u); // DW_AT_bit_offset and DW_AT_byte_size
-    expectBitFields(flags->type, flagsLayout);
-    expectBitFields(typeOf("g_packed"), packedLayout);
-    EXPECT_TRUE(flags->type->findMember("level")->type->isSigned());
-}
-
-TEST(Types, BitFieldsOfDwarf5)
-{
-    const Variable* flags = firmware().findGlobal("v5_flags");
-    ASSERT_EQ(firmware().units()[flags->unit].version, 5u); // DW_AT_data_bit_offset
-    expectBitFields(flags->type, flagsLayout);
-    expectBitFields(typeOf("v5_packed"), packedLayout);
+    // DWARF 4 has DW_AT_bit_offset and DW_AT_byte_size, DWARF 5 DW_AT_data_bit_offset.
+    for (auto [version, flags, packed] : {std::tuple{4u, "g_flags", "g_packed"}, std::tuple{5u, "v5_flags", "v5_packed"}}) {
+        const Variable* variable = firmware().findGlobal(flags);
+        ASSERT_EQ(firmware().units()[variable->unit].version, version);
+        expectBitFields(variable->type, flagsLayout);
+        expectBitFields(typeOf(packed), packedLayout);
+        EXPECT_TRUE(variable->type->findMember("level")->type->isSigned());
+    }
 }
 
 TEST(Types, TypedefChainsLeadToTheirBaseType)

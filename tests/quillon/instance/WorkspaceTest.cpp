@@ -199,17 +199,7 @@ TEST(Workspace, BadFilesFailWithFileLineAndKey)
          "2: unknown cpu 'cortex-m33' for 'target.cpu' (cortex-m0, cortex-m3, cortex-m4, cortex-m7)"},
         {"target:\n  cpu: Cortex-M3\n",
          "2: unknown cpu 'Cortex-M3' for 'target.cpu' (cortex-m0, cortex-m3, cortex-m4, cortex-m7)"},
-    };
-    TempDir dir;
-    for (const BadFile& bad : cases) {
-        const auto file = dir.write("ws.yaml", bad.text);
-        EXPECT_EQ(file.string() + ":" + bad.message, errorOf(file)) << bad.text;
-    }
-}
-
-TEST(Workspace, OverlappingAreasNameBoth)
-{
-    const BadFile cases[] = {
+        // overlapping areas name both
         {"target:\n  memory:\n"
          "    - {name: flash, start: 0, size: 0x1000}\n"
          "    - {name: sram, start: 0x20000000, size: 0x1000}\n"

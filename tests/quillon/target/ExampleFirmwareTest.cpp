@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "FirmwareImage.h"
-#include "target/Target.h"
+#include "TargetFixture.h"
 
 namespace quillon::target {
 namespace {
@@ -12,41 +11,28 @@ constexpr uint32_t ringCount = 19;   // char data[16]; uint8_t size, head, tail,
 constexpr uint32_t filterSum = 16;   // int32_t samples[4]; int32_t sum; uint8_t count, next
 constexpr uint32_t filterCount = 20;
 constexpr uint32_t scratch = 0x20008000; // test locals, far below the stack
-constexpr uint32_t returnAddress = 0x0FFFFF00;
 
+// The layout of examples/firmware/workspace.yaml, stopped at main.
 class ExampleFirmware : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        // The layout of examples/firmware/workspace.yaml.
         TargetConfig config;
         config.memory = {{"flash", 0x00000000, 0x40000, MemoryArea::Read | MemoryArea::Execute},
                          {"sram", 0x20000000, 0x10000, MemoryArea::Read | MemoryArea::Write | MemoryArea::Execute},
                          {"periph", 0x40010000, 0x10000, MemoryArea::Read | MemoryArea::Write}};
         target = std::make_unique<Target>(config);
-        image().load(*target);
+        image.load(*target);
         target->reset();
-        target->setReturnAddress(returnAddress);
+        target->setReturnAddress(TargetFixture::returnAddress);
         RunOptions toMain;
-        toMain.until = {image().symbol("main")};
+        toMain.until = {image.symbol("main")};
         ASSERT_EQ(target->runToStop(toMain).reason, StopReason::RunUntilReached);
-    }
-
-    static const FirmwareImage& image()
-    {
-        static const FirmwareImage firmware(KESTRIX_SOURCE_DIR "/examples/firmware/build/firmware.elf");
-        return firmware;
     }
 
     int32_t call(const std::string& function, std::vector<uint32_t> args = {})
     {
-        const Register argRegs[] = {Register::R0, Register::R1, Register::R2, Register::R3};
-        for (size_t i = 0; i < args.size(); ++i) {
-            target->writeRegister(argRegs[i], args[i]);
-        }
-        target->writeRegister(Register::SP, target->readWord(0));
-        target->writeRegister(Register::LR, returnAddress | 1u);
-        target->writeRegister(Register::PC, image().symbol(function));
+        prepareCall(*target, image.symbol(function), args);
         StopInfo stop = target->runToStop();
         EXPECT_EQ(stop.reason, StopReason::Returned) << function << ": " << stop.message;
         return static_cast<int32_t>(target->readRegister(Register::R0));
@@ -55,6 +41,7 @@ protected:
     void writeByte(uint32_t address, uint8_t value) { target->writeMemory(address, &value, 1); }
     uint8_t readByte(uint32_t address) { return target->readMemory(address, 1)[0]; }
 
+    const FirmwareImage image{KESTRIX_SOURCE_DIR "/examples/firmware/build/firmware.elf"};
     std::unique_ptr<Target> target;
 };
 
@@ -104,7 +91,7 @@ TEST_F(ExampleFirmware, SensorFilterCases)
         {"filter.clamped.low", 3, 3000, 0, -5, 0},
         {"filter.calibrated", 0, 0, 2, 400, 800},
     };
-    const uint32_t filter = image().symbol("g_filter");
+    const uint32_t filter = image.symbol("g_filter");
     for (const Case& c : cases) {
         writeByte(filter + filterCount, c.count);
         target->writeMemory(filter + filterSum, &c.sum, 4);
@@ -114,7 +101,7 @@ TEST_F(ExampleFirmware, SensorFilterCases)
         EXPECT_EQ(call("filter_step", {static_cast<uint32_t>(c.sample)}), c.rv) << c.id;
         if (c.gain != 0) {
             call("reset_calibration");
-            EXPECT_EQ(target->readWord(image().symbol("g_gain")), 1u);
+            EXPECT_EQ(target->readWord(image.symbol("g_gain")), 1u);
         }
     }
     writeByte(filter + filterCount, 0);
@@ -129,7 +116,7 @@ TEST_F(ExampleFirmware, MainLoopRunsForever)
     options.instructionLimit = 200000;
     StopInfo stop = target->runToStop(options);
     EXPECT_EQ(stop.reason, StopReason::InstructionLimit) << stop.message;
-    EXPECT_EQ(target->readWord(image().symbol("g_level")), 0u);
+    EXPECT_EQ(target->readWord(image.symbol("g_level")), 0u);
     EXPECT_EQ(target->readWord(0x40011004), uint32_t('0'));
 }
 

@@ -75,16 +75,6 @@ TEST_F(TargetFault, BranchWithoutThumbBitIsInvalidState)
     EXPECT_EQ(stop.pc, sym("tick"));
 }
 
-TEST_F(TargetFault, ReturnAddressEndsTheCallWithOrWithoutThumbBit)
-{
-    runToMain();
-    for (uint32_t lr : {returnAddress | 1u, returnAddress}) {
-        prepareCall("weighted_sum", {1, 2, 3, 4});
-        target->writeRegister("lr", lr);
-        EXPECT_EQ(target->runToStop().reason, StopReason::Returned);
-    }
-}
-
 TEST_F(TargetFault, CpuModelDecidesTheInstructionSet)
 {
     // filter_step divides with sdiv, which a Cortex-M0 does not have.

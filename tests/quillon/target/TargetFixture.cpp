@@ -11,6 +11,17 @@ TargetConfig testConfig(const std::string& cpu)
     return config;
 }
 
+void prepareCall(Target& target, uint32_t entry, const std::vector<uint32_t>& args)
+{
+    const Register argRegs[] = {Register::R0, Register::R1, Register::R2, Register::R3};
+    for (size_t i = 0; i < args.size() && i < 4; ++i) {
+        target.writeRegister(argRegs[i], args[i]);
+    }
+    target.writeRegister(Register::SP, target.readWord(0));
+    target.writeRegister(Register::LR, TargetFixture::returnAddress | 1u);
+    target.writeRegister(Register::PC, entry);
+}
+
 const FirmwareImage& TargetFixture::image()
 {
     static const FirmwareImage firmware(FIRMWARE_DIR "/target_test.elf");
@@ -36,17 +47,6 @@ void TargetFixture::runToMain()
     options.until = {sym("main")};
     StopInfo stop = target->runToStop(options);
     ASSERT_EQ(stop.reason, StopReason::RunUntilReached) << stop.message;
-}
-
-void TargetFixture::prepareCall(const std::string& function, const std::vector<uint32_t>& args)
-{
-    const Register argRegs[] = {Register::R0, Register::R1, Register::R2, Register::R3};
-    for (size_t i = 0; i < args.size() && i < 4; ++i) {
-        target->writeRegister(argRegs[i], args[i]);
-    }
-    target->writeRegister(Register::SP, target->readWord(0));
-    target->writeRegister(Register::LR, returnAddress | 1u);
-    target->writeRegister(Register::PC, sym(function));
 }
 
 StopInfo TargetFixture::call(const std::string& function, const std::vector<uint32_t>& args, RunOptions options)

@@ -14,12 +14,16 @@ namespace quillon::target {
 /// Flash (rx) and SRAM (rw, no x: code there faults) of the test firmware.
 TargetConfig testConfig(const std::string& cpu = "cortex-m3");
 
+/// Arguments in r0 to r3, SP at the top of the stack, LR at the fixture's return address, PC at `entry`.
+void prepareCall(Target& target, uint32_t entry, const std::vector<uint32_t>& args);
+
 /// A target with the test firmware loaded and reset.
 class TargetFixture : public ::testing::Test {
-protected:
+public:
     /// An address no code has: calls return there.
     static constexpr uint32_t returnAddress = 0x0FFFFF00;
 
+protected:
     static const FirmwareImage& image();
 
     void SetUp() override { makeTarget("cortex-m3"); }
@@ -32,8 +36,10 @@ protected:
 
     /// From reset through the startup code to main, so that .data and .bss are set up.
     void runToMain();
-    /// Arguments in r0 to r3, SP at the top of the stack, LR at the return address, PC at the function.
-    void prepareCall(const std::string& function, const std::vector<uint32_t>& args);
+    void prepareCall(const std::string& function, const std::vector<uint32_t>& args)
+    {
+        quillon::target::prepareCall(*target, sym(function), args);
+    }
     StopInfo call(const std::string& function, const std::vector<uint32_t>& args = {}, RunOptions options = {});
 
     std::unique_ptr<Target> target;

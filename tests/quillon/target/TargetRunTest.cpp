@@ -34,13 +34,13 @@ TEST_F(TargetRun, CallReturnsToTheReturnAddress)
     EXPECT_EQ(target->readRegister("sp"), sp) << "the callee popped what it pushed";
     EXPECT_EQ(call("weighted_sum", {uint32_t(-10), 0, 0, 1}).reason, StopReason::Returned);
     EXPECT_EQ(static_cast<int32_t>(target->readRegister("r0")), -6);
-}
 
-TEST_F(TargetRun, WithoutReturnAddressTheCallFaultsThere)
-{
-    runToMain();
+    prepareCall("weighted_sum", {1, 2, 3, 4});
+    target->writeRegister("lr", returnAddress); // without the Thumb bit
+    EXPECT_EQ(target->runToStop().reason, StopReason::Returned);
+
     target->setReturnAddress(std::nullopt);
-    StopInfo stop = call("weighted_sum", {1, 2, 3, 4});
+    stop = call("weighted_sum", {1, 2, 3, 4});
     EXPECT_EQ(stop.fault, FaultKind::UnmappedFetch);
     EXPECT_EQ(stop.pc, returnAddress);
 }
@@ -66,12 +66,8 @@ TEST_F(TargetRun, StepsExecuteSingleInstructions)
     EXPECT_TRUE(inFunction(target->pc(), "weighted_sum"));
     EXPECT_THROW(target->step(0), TargetError);
     EXPECT_EQ(target->breakpoint(sym("weighted_sum"))->hits(), 0u);
-}
 
-TEST_F(TargetRun, StepOntoTheReturnAddressEndsTheCall)
-{
-    runToMain();
-    prepareCall("weighted_sum", {1, 2, 3, 4});
+    // A step onto the return address ends the call.
     StopInfo stop;
     for (int i = 0; i < 100 && (stop = (target->step(), target->stopInfo())).reason == StopReason::StepDone; ++i) {
     }
@@ -187,38 +183,22 @@ TEST_F(TargetRun, StatusWhileRunningNeverBlocks)
             EXPECT_EQ(e.kind(), TargetError::Kind::Running);
         }
     }
-    target->stop();
-    target->waitUntilStopped();
-    EXPECT_FALSE(target->isRunning());
+    target.reset(); // destroying a running target stops it
 }
 
-TEST_F(TargetRun, LongRunGoesOnOnTheRunThread)
+TEST_F(TargetRun, ShortRunsEndOnTheCallersThreadLongOnesOnTheRunThread)
 {
     runToMain();
-    target->setHostBudget(0us);
-    prepareCall("count_ticks", {200000});
-    target->run();
-    EXPECT_TRUE(target->isRunning()) << "200000 calls take more than one slice";
-    EXPECT_TRUE(target->waitUntilStopped(60s));
-    EXPECT_EQ(target->stopInfo().reason, StopReason::Returned);
-    EXPECT_EQ(target->readRegister("r0"), 200000u);
-}
-
-TEST_F(TargetRun, ShortRunEndsOnTheCallersThread)
-{
-    runToMain();
-    target->setHostBudget(10s);
-    prepareCall("count_ticks", {1000});
-    target->run();
-    EXPECT_FALSE(target->isRunning());
-    EXPECT_EQ(target->stopInfo().reason, StopReason::Returned);
-}
-
-TEST_F(TargetRun, DestroyingARunningTargetStopsIt)
-{
-    startSpinning();
-    target.reset();
-    SUCCEED();
+    for (auto [budget, ticks] : {std::pair{10000000us, 1000u}, std::pair{0us, 200000u}}) {
+        const uint32_t before = word("g_ticks"); // count_ticks returns the running total
+        target->setHostBudget(budget);
+        prepareCall("count_ticks", {ticks});
+        target->run();
+        EXPECT_EQ(target->isRunning(), budget == 0us) << ticks;
+        EXPECT_TRUE(target->waitUntilStopped(60s));
+        EXPECT_EQ(target->stopInfo().reason, StopReason::Returned);
+        EXPECT_EQ(target->readRegister("r0"), before + ticks);
+    }
 }
 
 } // namespace
