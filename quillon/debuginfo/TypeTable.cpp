@@ -146,6 +146,17 @@ const Type* TypeTable::find(const std::string& text, std::optional<std::size_t> 
     return best->type;
 }
 
+const Type* TypeTable::findEnumeratorType(const std::string& name) const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    for (const auto& type : m_types) {
+        if (type->kind() == Type::Kind::Enum && type->findEnumerator(name) != nullptr) {
+            return type.get();
+        }
+    }
+    return nullptr;
+}
+
 const Type* TypeTable::pointerTo(const Type* target)
 {
     std::lock_guard<std::mutex> lock(m_mutex);

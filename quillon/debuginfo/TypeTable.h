@@ -31,6 +31,8 @@ public:
     /// definitions; standard C base types are there even when the DWARF has none (ARM EABI sizes).
     /// nullptr if there is no such type.
     const Type* find(const std::string& text, std::optional<std::size_t> preferredUnit = std::nullopt) const;
+    /// The first enum type read that has an enumerator of the name; nullptr if there is none.
+    const Type* findEnumeratorType(const std::string& name) const;
 
     const Type* pointerTo(const Type* target);
     const Type* arrayOf(const Type* element, std::optional<std::uint64_t> count);

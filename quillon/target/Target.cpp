@@ -670,6 +670,16 @@ void Target::waitUntilStopped() const
     m_stoppedSignal.wait(lock, [this] { return !m_running.load(); });
 }
 
+void Target::restoreStop(const StopInfo& info)
+{
+    withStoppedEngine([&] {
+        m_stoppedAtBreakpoint =
+            info.reason == StopReason::Breakpoint ? std::optional<uint32_t>(info.pc) : std::nullopt;
+        std::lock_guard<std::mutex> lock(m_statusMutex);
+        m_stopInfo = info;
+    });
+}
+
 StopInfo Target::stopInfo() const
 {
     std::lock_guard<std::mutex> lock(m_statusMutex);

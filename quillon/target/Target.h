@@ -93,6 +93,10 @@ public:
     /// run() and wait for the stop.
     StopInfo runToStop(const RunOptions& options = {});
 
+    /// Puts back a stop that a run made by the debugger itself (a call of a target function) replaced:
+    /// the stop information and, for a breakpoint stop, that resuming passes over that breakpoint.
+    void restoreStop(const StopInfo& info);
+
     // Status; never blocks.
     bool isRunning() const { return m_running.load(); }
     StopInfo stopInfo() const;
