@@ -406,9 +406,10 @@ void TestService::pause(std::uint32_t handle)
     }
     m_target.stop();
     m_target.waitUntilStopped();
-    update();
-    if (found.state() == TestState::Running) {
+    if (m_target.stopInfo().reason == target::StopReason::StopRequest) {
         found.setState(TestState::Paused);
+    } else {
+        update();
     }
 }
 
