@@ -16,7 +16,7 @@ TestError illegalArgument(const std::string& message)
 } // namespace
 
 TestCase::TestCase(std::uint32_t handle, const debuginfo::DebugInfo& debug, const debuginfo::Function& function)
-    : m_handle(handle), m_debug(debug), m_function(function)
+    : m_handle(handle), m_debug(debug), m_function(function), m_name(function.name)
 {
 }
 

@@ -27,7 +27,7 @@ public:
     std::uint32_t handle() const { return m_handle; }
     const debuginfo::DebugInfo& debugInfo() const { return m_debug; }
     const debuginfo::Function& function() const { return m_function; }
-    const std::string& name() const { return m_function.name; }
+    const std::string& name() const { return m_name; }
 
     TestState state() const { return m_state; }
     void setState(TestState state) { m_state = state; }
@@ -74,6 +74,7 @@ private:
     std::uint32_t m_handle;
     const debuginfo::DebugInfo& m_debug;
     const debuginfo::Function& m_function;
+    const std::string m_name; ///< the function's, kept for messages after a new download
     TestState m_state = TestState::Offline;
     std::map<unsigned, std::string> m_parameterNames;
     std::string m_returnName;

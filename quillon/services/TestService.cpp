@@ -64,11 +64,27 @@ TestCase& TestService::test(std::uint32_t handle)
     return *found->second;
 }
 
+TestCase& TestService::usable(std::uint32_t handle)
+{
+    TestCase& found = test(handle);
+    requireProgram(found);
+    return found;
+}
+
+void TestService::requireProgram(const TestCase& test) const
+{
+    if (&program() != &test.debugInfo()) {
+        throw illegalState("the program was downloaded again since the test of '" + test.name() +
+                           "' was made: destroy it");
+    }
+}
+
 TestCase& TestService::current()
 {
     if (m_tests.count(m_current) == 0) {
         throw illegalState("no test is created to declare it in");
     }
+    requireProgram(*m_tests.at(m_current));
     return *m_tests.at(m_current);
 }
 
@@ -124,7 +140,7 @@ void TestService::destroy(std::uint32_t handle)
         if (inRun(found.state())) {
             m_target.stop();
             m_target.waitUntilStopped();
-            endRun(found);
+            endRun();
         }
         m_active = 0;
     }
@@ -148,7 +164,7 @@ void TestService::destroyTest(std::uint32_t handle)
 void TestService::createParameter(std::uint32_t handle, unsigned index, const std::string& name)
 {
     std::lock_guard lock(m_mutex);
-    TestCase& found = test(handle);
+    TestCase& found = usable(handle);
     requireDeclaring(found, "name a parameter");
     found.nameParameter(index, name);
 }
@@ -156,7 +172,7 @@ void TestService::createParameter(std::uint32_t handle, unsigned index, const st
 void TestService::createReturnValue(std::uint32_t handle, const std::string& name)
 {
     std::lock_guard lock(m_mutex);
-    TestCase& found = test(handle);
+    TestCase& found = usable(handle);
     requireDeclaring(found, "name the return value");
     found.nameReturnValue(name);
 }
@@ -250,6 +266,7 @@ template <class F> auto TestService::inStoppedTest(const std::string& expression
         throw illegalState("no test is initialized to evaluate '" + expression + "' in");
     }
     requireStoppedTest(*test, "evaluate");
+    requireProgram(*test);
     const TestStub* stub = test->state() == TestState::Stub ? test->stub(m_activeStub) : nullptr;
     try {
         expr::ScopeChain scopes = expr::ScopeChain::forGlobals(test->debugInfo(), m_target);
@@ -292,7 +309,7 @@ void TestService::init(std::uint32_t handle)
 {
     std::lock_guard lock(m_mutex);
     update();
-    TestCase& found = test(handle);
+    TestCase& found = usable(handle);
     if (inRun(found.state())) {
         throw illegalState("cannot init the test of '" + found.name() + "' in state " +
                            testStateName(found.state()) + ": abort it first");
@@ -349,6 +366,7 @@ void TestService::start(TestCase& test)
     m_target.setReturnAddress(returnAddress);
     for (const TestStub& stub : test.stubs()) {
         m_target.setBreakpoint(stub.function->entry);
+        m_stubBreakpoints.push_back(stub.function->entry);
     }
 }
 
@@ -356,7 +374,7 @@ void TestService::run(std::uint32_t handle)
 {
     std::lock_guard lock(m_mutex);
     update();
-    TestCase& found = test(handle);
+    TestCase& found = usable(handle);
     const TestState state = found.state();
     if (m_active != handle ||
         (state != TestState::Initialized && state != TestState::Stub && state != TestState::Paused)) {
@@ -391,7 +409,7 @@ void TestService::abort(std::uint32_t handle)
     }
     m_target.stop();
     m_target.waitUntilStopped();
-    endRun(found);
+    endRun();
     found.setState(TestState::Aborted);
 }
 
@@ -399,7 +417,7 @@ void TestService::pause(std::uint32_t handle)
 {
     std::lock_guard lock(m_mutex);
     update();
-    TestCase& found = test(handle);
+    TestCase& found = usable(handle);
     if (found.state() != TestState::Running) {
         throw illegalState("cannot pause the test of '" + found.name() + "' in state " +
                            testStateName(found.state()) + ": it does not run");
@@ -454,6 +472,13 @@ void TestService::update()
     if (test == nullptr || test->state() != TestState::Running || m_target.isRunning()) {
         return;
     }
+    const debuginfo::DebugInfo* now = m_programs ? m_programs() : nullptr;
+    if (now != &test->debugInfo()) {
+        m_problems[test->handle()] = "the program was downloaded again while the test of '" + test->name() + "' ran";
+        endRun();
+        test->setState(TestState::UnexpectedStop);
+        return;
+    }
     stopped(*test, m_target.stopInfo());
 }
 
@@ -467,7 +492,7 @@ void TestService::stopped(TestCase& test, const target::StopInfo& stop)
         } catch (const std::exception& error) {
             m_problems[test.handle()] = "the return value of '" + test.name() + "' cannot be kept: " + error.what();
         }
-        endRun(test);
+        endRun();
         test.setState(TestState::Ended);
         return;
     }
@@ -497,7 +522,7 @@ void TestService::stopped(TestCase& test, const target::StopInfo& stop)
         break;
     }
     m_problems[test.handle()] = what + "; stopped " + where(test, stop.pc);
-    endRun(test);
+    endRun();
     test.setState(TestState::UnexpectedStop);
 }
 
@@ -515,18 +540,19 @@ std::string TestService::where(const TestCase& test, std::uint32_t pc) const
     return text;
 }
 
-void TestService::endRun(TestCase& test)
+void TestService::endRun()
 {
     m_activeStub = 0;
     try {
-        for (const TestStub& stub : test.stubs()) {
-            m_target.removeBreakpoint(stub.function->entry);
+        for (std::uint32_t address : m_stubBreakpoints) {
+            m_target.removeBreakpoint(address);
         }
         m_target.setReturnAddress(m_savedReturnAddress);
     } catch (const target::TargetError&) {
         // A target that runs again for another reason keeps them until its next stop.
     }
     m_savedReturnAddress.reset();
+    m_stubBreakpoints.clear();
 }
 
 } // namespace quillon::services

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "debuginfo/DebugInfo.h"
 #include "expr/ExpressionEvaluator.h"
@@ -80,6 +81,9 @@ private:
     const debuginfo::DebugInfo& program() const;
     TestCase& test(std::uint32_t handle);
     TestCase& current();
+    /// The test, made from the program downloaded now.
+    TestCase& usable(std::uint32_t handle);
+    void requireProgram(const TestCase& test) const;
     TestCase& owner(const std::map<std::uint32_t, std::uint32_t>& owners, std::uint32_t handle, const char* what);
     TestCase* active();
     void requireDeclaring(const TestCase& test, const char* operation) const;
@@ -90,7 +94,7 @@ private:
     /// Follows a running test to its stop.
     void update();
     void stopped(TestCase& test, const target::StopInfo& stop);
-    void endRun(TestCase& test);
+    void endRun();
     std::string where(const TestCase& test, std::uint32_t pc) const;
     void start(TestCase& test);
     void destroy(std::uint32_t handle);
@@ -108,6 +112,8 @@ private:
     std::uint32_t m_active = 0;     ///< the test whose frame is placed
     std::uint32_t m_activeStub = 0; ///< the stub the active test is stopped in
     std::optional<std::uint32_t> m_savedReturnAddress;
+    std::vector<std::uint32_t> m_stubBreakpoints; ///< set by the run going on
+    
 };
 
 } // namespace quillon::services

@@ -2,6 +2,8 @@
 // instruction limit, states and error texts.
 #include "TestServiceFixture.h"
 
+#include <functional>
+
 namespace quillon::services {
 namespace {
 
@@ -277,6 +279,25 @@ TEST_F(TestServiceTest, DeclarationsAndExpressionsNeedTheRightState)
     EXPECT_NE(std::string::npos, std::string(unknown.what()).find("nothing")) << unknown.what();
     EXPECT_EQ("26", tests->modify("g_calls", "20 + 6"));
     EXPECT_EQ("0x1a", tests->evaluate("g_calls,h")) << "a display format behind a comma";
+}
+
+TEST_F(TestServiceTest, ATestOfAProgramDownloadedAgainIsOnlyDestroyed)
+{
+    const std::uint32_t add = initialized("add", {"1", "2"});
+    const std::uint32_t fill = tests->createTest("fill");
+    programs = Loader(*target).download({testFirmware()});
+    for (const auto& call : std::vector<std::function<void()>>{[&] { tests->run(add); }, [&] { tests->init(fill); },
+                                                               [&] { tests->evaluate("g_calls"); },
+                                                               [&] { tests->createVariable("v", "int"); }}) {
+        const TestError error = errorOf(call);
+        EXPECT_EQ(TestError::Kind::IllegalState, error.kind());
+        EXPECT_NE(std::string::npos, std::string(error.what()).find("downloaded again")) << error.what();
+    }
+    tests->destroyTest(add);
+    tests->destroyTest(fill);
+    const std::uint32_t again = initialized("add", {"1", "2"});
+    EXPECT_EQ(TestState::Ended, runOn(again));
+    EXPECT_EQ("3", tests->evaluate("rv"));
 }
 
 } // namespace
