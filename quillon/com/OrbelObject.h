@@ -50,7 +50,7 @@ private:
     ProfilerAdapter m_profiler{*this, m_lastError};
     ProjectAdapter m_project{*this, m_lastError};
     CoverageAdapter m_coverage{*this, m_lastError};
-    TestAdapter m_test{*this, m_lastError};
+    TestAdapter m_test{*this, m_lastError, m_session};
     HilAdapter m_hil{*this, m_lastError};
     EclipseAdapter m_eclipse{*this, m_lastError};
     SinkAdapter m_sink{*this, m_lastError};

@@ -13,6 +13,7 @@ Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std:
     if (!m_target) {
         throw std::invalid_argument("an instance needs a target");
     }
+    m_test = std::make_unique<services::TestService>(*m_target, m_workspace.maxInstructions());
 }
 
 bool Instance::removeClient()

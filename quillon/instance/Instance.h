@@ -6,6 +6,7 @@
 #include <string>
 
 #include "instance/Workspace.h"
+#include "services/TestService.h"
 #include "target/Target.h"
 
 namespace quillon {
@@ -31,6 +32,8 @@ public:
     const std::string& commandLine() const { return m_commandLine; }
     target::Target& target() { return *m_target; }
     const target::Target& target() const { return *m_target; }
+    /// The test service on the target, with the workspace's instruction limit.
+    services::TestService& test() { return *m_test; }
 
     /// Attached sessions; `InstanceRegistry::attach` and `detach` count them.
     int clients() const { return m_clients.load(); }
@@ -44,6 +47,7 @@ private:
     const Workspace m_workspace;
     const std::string m_commandLine;
     const std::unique_ptr<target::Target> m_target;
+    std::unique_ptr<services::TestService> m_test; // after the target it uses
     std::atomic<int> m_clients{0};
 };
 
