@@ -6,6 +6,8 @@
 #include <string>
 
 #include "instance/Workspace.h"
+#include "services/DebugService.h"
+#include "services/ExpressionEvaluatorEngine.h"
 #include "target/Target.h"
 
 namespace quillon {
@@ -21,6 +23,8 @@ public:
     /// `target` is made from `workspace` by `TargetBuilder`; never null.
     Instance(std::string id, std::uint16_t port, Workspace workspace, std::string commandLine,
              std::unique_ptr<target::Target> target);
+    /// Stops the core first, so that no breakpoint condition runs while the services go.
+    ~Instance();
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
 
@@ -31,6 +35,8 @@ public:
     const std::string& commandLine() const { return m_commandLine; }
     target::Target& target() { return *m_target; }
     const target::Target& target() const { return *m_target; }
+    /// The debugger of the target, with the workspace's download list as list 0.
+    services::DebugService& debug() { return m_debug; }
 
     /// Attached sessions; `InstanceRegistry::attach` and `detach` count them.
     int clients() const { return m_clients.load(); }
@@ -44,6 +50,8 @@ private:
     const Workspace m_workspace;
     const std::string m_commandLine;
     const std::unique_ptr<target::Target> m_target;
+    services::DebugService m_debug;
+    services::ExpressionEvaluatorEngine m_expressions;
     std::atomic<int> m_clients{0};
 };
 
