@@ -459,6 +459,9 @@ HRESULT DebugAdapter::runCommand(DebugService& debug, DWORD command, DWORD secon
         return kestrix::S_OK;
     case OrbelDebugFlags::rcStop:
         debug.stop();
+        if (!debug.waitUntilStopped(std::chrono::seconds(5))) {
+            return fail(kestrix::ORBEL_E_ERROR, std::string(op) + ": the target did not stop");
+        }
         return kestrix::S_OK;
     case OrbelDebugFlags::rcStepInst:
         debug.stepInstruction();
