@@ -91,12 +91,17 @@ Value Converter::decay(const Value& value, std::optional<std::size_t> column) co
 
 const Type* Converter::promotedType(const Value& value) const
 {
-    const Type* plain = value.plainType();
-    if (plain->isFloat()) {
-        return plain;
-    }
     if (value.isBitField() && value.bitSize() < 32) {
         return m_int;
+    }
+    return promotedType(value.type());
+}
+
+const Type* Converter::promotedType(const Type* type) const
+{
+    const Type* plain = type->unqualified();
+    if (plain->isFloat()) {
+        return plain;
     }
     const std::size_t size = plain->size();
     if (size < 4) {
@@ -109,6 +114,11 @@ const Type* Converter::promotedType(const Value& value) const
 }
 
 const Type* Converter::commonType(const Value& left, const Value& right) const
+{
+    return commonType(promotedType(left), promotedType(right));
+}
+
+const Type* Converter::commonType(const Type* left, const Type* right) const
 {
     const Type* a = promotedType(left);
     const Type* b = promotedType(right);

@@ -38,8 +38,10 @@ public:
     /// The type an integer value is promoted to: int for all that int holds, else unsigned int or
     /// the 64-bit types; floats stay.
     const debuginfo::Type* promotedType(const Value& value) const;
-    /// The type of the usual arithmetic conversions of two arithmetic values.
+    const debuginfo::Type* promotedType(const debuginfo::Type* type) const;
+    /// The type of the usual arithmetic conversions of two arithmetic values or types.
     const debuginfo::Type* commonType(const Value& left, const Value& right) const;
+    const debuginfo::Type* commonType(const debuginfo::Type* left, const debuginfo::Type* right) const;
     /// Converts a value as assignment and casts do. Throws ExprError for a conversion C does not
     /// have, naming both types.
     Value convert(const Value& value, const debuginfo::Type* to, std::optional<std::size_t> column = std::nullopt) const;

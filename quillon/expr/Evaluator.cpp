@@ -135,7 +135,7 @@ Value Evaluator::truthValue(bool value) const
     return Value::ofInteger(m_converter.intType(), value ? 1 : 0);
 }
 
-Value Evaluator::literal(const Node& node)
+Value Evaluator::literal(const Node& node) const
 {
     const Token& token = node.token;
     switch (node.kind) {
@@ -558,7 +558,108 @@ Value Evaluator::comparison(const std::string& op, const Value& leftValue, const
 Value Evaluator::conditional(const Node& node)
 {
     const bool condition = m_converter.truth(evaluate(node.child(0)), node.child(0).column());
-    return m_converter.decay(evaluate(node.child(condition ? 1 : 2)), node.column());
+    const Value chosen = m_converter.decay(evaluate(node.child(condition ? 1 : 2)), node.column());
+    // Arithmetic operands meet in their common type, as if both were evaluated.
+    const Type* other = staticType(node.child(condition ? 2 : 1));
+    if (other != nullptr && isArithmetic(chosen) && Converter::isArithmetic(other->unqualified())) {
+        return m_converter.convert(chosen, m_converter.commonType(m_converter.promotedType(chosen), other));
+    }
+    return chosen;
+}
+
+const Type* Evaluator::staticType(const Node& node) const
+{
+    auto elementOf = [](const Type* type) -> const Type* {
+        if (type == nullptr) {
+            return nullptr;
+        }
+        const Type* plain = type->unqualified();
+        const bool indirect = plain->kind() == Type::Kind::Pointer || plain->kind() == Type::Kind::Array;
+        return indirect ? plain->target() : nullptr;
+    };
+    auto memberOf = [](const Type* type, const std::string& name) -> const Type* {
+        if (type == nullptr || !isAggregate(type->unqualified())) {
+            return nullptr;
+        }
+        const auto member = type->unqualified()->findMember(name);
+        return member ? member->type : nullptr;
+    };
+    try {
+        switch (node.kind) {
+        case Node::Kind::Integer:
+        case Node::Kind::Floating:
+        case Node::Kind::Character:
+            return literal(node).type();
+        case Node::Kind::Name: {
+            const auto value = m_scopes.find(node.name);
+            return value ? value->type() : nullptr;
+        }
+        case Node::Kind::Register:
+            return m_converter.unsignedType();
+        case Node::Kind::Member:
+            return memberOf(staticType(node.child(0)), node.name);
+        case Node::Kind::Arrow:
+            return memberOf(elementOf(staticType(node.child(0))), node.name);
+        case Node::Kind::Index:
+            return elementOf(staticType(node.child(0)));
+        case Node::Kind::Call: {
+            const Type* callee = staticType(node.child(0));
+            if (callee != nullptr && !Converter::isFunction(callee)) {
+                callee = elementOf(callee);
+            }
+            return callee != nullptr && Converter::isFunction(callee) ? callee->unqualified()->target() : nullptr;
+        }
+        case Node::Kind::Unary: {
+            const Type* operand = staticType(node.child(0));
+            if (operand == nullptr || node.op == "&") {
+                return nullptr;
+            }
+            if (node.op == "*") {
+                return elementOf(operand);
+            }
+            if (node.op == "!") {
+                return m_converter.intType();
+            }
+            return Converter::isArithmetic(operand->unqualified()) ? m_converter.promotedType(operand) : nullptr;
+        }
+        case Node::Kind::PreIncrement:
+        case Node::Kind::PostIncrement:
+        case Node::Kind::Assign:
+            return staticType(node.child(0));
+        case Node::Kind::Cast:
+            return node.type;
+        case Node::Kind::SizeofType:
+        case Node::Kind::SizeofValue:
+            return m_converter.unsignedType();
+        case Node::Kind::LogicalAnd:
+        case Node::Kind::LogicalOr:
+            return m_converter.intType();
+        case Node::Kind::Binary:
+            return staticBinaryType(node);
+        default:
+            return nullptr;
+        }
+    } catch (const ExprError&) {
+        return nullptr;
+    }
+}
+
+const Type* Evaluator::staticBinaryType(const Node& node) const
+{
+    const std::string& op = node.op;
+    if (op == "==" || op == "!=" || op == "<" || op == ">" || op == "<=" || op == ">=") {
+        return m_converter.intType();
+    }
+    const Type* left = staticType(node.child(0));
+    const Type* right = staticType(node.child(1));
+    if (left == nullptr || right == nullptr) {
+        return nullptr;
+    }
+    const bool arithmetic = Converter::isArithmetic(left->unqualified()) && Converter::isArithmetic(right->unqualified());
+    if (op == "<<" || op == ">>") {
+        return arithmetic ? m_converter.promotedType(left) : nullptr;
+    }
+    return arithmetic ? m_converter.commonType(left, right) : nullptr;
 }
 
 void Evaluator::store(const Value& target, const Value& value, std::size_t column)

@@ -27,7 +27,7 @@ public:
 private:
     Value name(const Node& node);
     Value registerValue(const Node& node);
-    Value literal(const Node& node);
+    Value literal(const Node& node) const;
     Value member(const Node& node, const Value& base);
     Value arrow(const Node& node);
     Value index(const Node& node);
@@ -43,6 +43,9 @@ private:
     Value arithmetic(const std::string& op, const Value& left, const Value& right, std::size_t column);
     Value shift(const std::string& op, const Value& left, const Value& right, std::size_t column);
     Value conditional(const Node& node);
+    /// The type of an expression without evaluating it; nullptr where it cannot be told so.
+    const debuginfo::Type* staticType(const Node& node) const;
+    const debuginfo::Type* staticBinaryType(const Node& node) const;
     Value assign(const Node& node);
     void store(const Value& target, const Value& value, std::size_t column);
 

@@ -86,6 +86,13 @@ TEST_F(ExpressionTest, OperatorsFollowCPrecedence)
         {"-2 * -3", "6"},
         {"!0 + !5", "1"},
         {"1 ? 2 : 0 ? 3 : 4", "2"},
+        {"1 ? g_u8 : 0", "200"},          // the common type of both operands: int
+        {"1 ? 2 : 0.5", "2"},
+        {"0 ? 2 : 0.5", "0.5"},
+        {"1 ? -1 : 0u", "4294967295"},    // unsigned int
+        {"1 ? g_s8 : g_s64", "-5"},
+        {"1 ? g_records[0].bits.delta : g_float", "-3"},
+        {"sizeof(1 ? g_s8 : g_s64)", "8"}, // long long
         {"0 ? 2 : 0 ? 3 : 4", "4"},
         {"-7 / 2", "-3"},
         {"-7 % 2", "-1"},
