@@ -5,9 +5,12 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <functional>
+#include <utility>
 #include <memory>
 #include <string>
 
+#include "CDataController.h"
 #include "CDebugFacade.h"
 #include "ConnectionMgr.h"
 #include "IOException.h"
@@ -306,4 +309,24 @@ TEST_F(CDebugFacadeLiveFirmwareTest, SymbolsAndLinesBothWays)
     }
     EXPECT_TRUE(debug->getAddressOfSourceLine("sensor_filter.c", 2).empty());
     EXPECT_THROW(debug->getSymbolInfo(OrbelDebugFlags::gafFunctions, "no_such_function"), IllegalArgumentException);
+}
+
+// The simulated target has no flash controller: each flash command fails with its own words.
+TEST_F(CDebugFacadeLiveFirmwareTest, FlashCommandsFail)
+{
+    CDataController data(mgr);
+    const std::pair<std::function<void()>, std::string> commands[] = {
+        {[&] { data.eraseFlash(); }, "Erasing of flash failed!"},
+        {[&] { data.secureFlash(); }, "Securing of flash failed!"},
+        {[&] { data.unsecureFlash(); }, "Unsecuring of flash failed!"},
+    };
+    for (const auto& [command, text] : commands) {
+        try {
+            command();
+            ADD_FAILURE() << text << " was not raised";
+        } catch (const IOException& e) {
+            EXPECT_EQ(0u, e.getDesc().rfind(text, 0)) << e.getDesc();
+            EXPECT_NE(std::string::npos, e.getDesc().find("not available")) << e.getDesc();
+        }
+    }
 }

@@ -55,7 +55,7 @@ TEST_F(NotImplementedTest, EveryOtherOperationAnswersNotImplementedAndNamesIt)
         {"OrbelIDE::Document", [&] { return ide->Document(0x10000000, "trace.trd", nullptr, 0); }},
         {"OrbelIDE::Workspace", [&] { return ide->Workspace(9, "ws.yaml"); }},
         {"OrbelIDE::Application", [&] { return ide->Application(1, nullptr); }},
-        {"OrbelIDE2::ServiceCall", [&] { return ide->ServiceCall(0x10000000, &SERVICE_Flash, 4, &word, 4, &word, 0); }},
+        {"OrbelIDE2::ServiceCall", [&] { return ide->ServiceCall(0x10000000, &SERVICE_Line, 4, &word, 4, &word, 0); }},
         {"OrbelIDE3::Reserved6", [&] { return ide->Reserved6(); }},
         {"OrbelIDE3::Reserved7", [&] { return ide->Reserved7(); }},
         {"OrbelIDE3::Reserved8", [&] { return ide->Reserved8(); }},
