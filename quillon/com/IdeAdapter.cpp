@@ -1,6 +1,9 @@
 #include "com/IdeAdapter.h"
 
+#include <cstring>
+
 #include "OrbelIDEFlags.h"
+#include "OrbelIdentifiers.h"
 #include "com/QuillonVersion.h"
 
 namespace quillon::com {
@@ -22,9 +25,24 @@ HRESULT IdeAdapter::Application(DWORD, kestrix::SApplicationData*)
     return notImplemented("OrbelIDE::Application");
 }
 
-HRESULT IdeAdapter::ServiceCall(DWORD, const kestrix::GUID*, DWORD, const void*, DWORD, void*, DWORD)
+HRESULT IdeAdapter::ServiceCall(DWORD, const kestrix::GUID* service, DWORD inSize, const void* in, DWORD, void*,
+                                DWORD)
 {
-    return notImplemented("OrbelIDE2::ServiceCall");
+    if (service == nullptr || !(*service == kestrix::SERVICE_Flash)) {
+        return notImplemented("OrbelIDE2::ServiceCall");
+    }
+    return call("OrbelIDE2::ServiceCall", [&] {
+        const char* name = "OrbelIDE2::ServiceCall";
+        if (!m_session.instance()) {
+            return fail(kestrix::ORBEL_E_NOT_CONNECTED, std::string(name) + ": not attached to a Quillon instance");
+        }
+        DWORD command = 0;
+        if (in != nullptr && inSize >= sizeof command) {
+            std::memcpy(&command, in, sizeof command);
+        }
+        return fail(kestrix::ORBEL_E_NOT_AVAILABLE, std::string(name) + ": flash command " + std::to_string(command)
+                                                        + ": the simulated target has no flash controller");
+    });
 }
 
 HRESULT IdeAdapter::GetQuillonVersion(DWORD size, SQuillonVersionInfo* info)

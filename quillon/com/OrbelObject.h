@@ -46,7 +46,7 @@ private:
     Session m_session;
     OrbelAdapter m_orbel{*this, m_lastError, m_session};
     IdeAdapter m_ide{*this, m_lastError, m_session};
-    DebugAdapter m_debug{*this, m_lastError};
+    DebugAdapter m_debug{*this, m_lastError, m_session};
     ProfilerAdapter m_profiler{*this, m_lastError};
     ProjectAdapter m_project{*this, m_lastError};
     CoverageAdapter m_coverage{*this, m_lastError};

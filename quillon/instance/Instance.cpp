@@ -2,18 +2,60 @@
 
 #include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace quillon {
+
+namespace {
+
+target::Target& checked(const std::unique_ptr<target::Target>& target)
+{
+    if (!target) {
+        throw std::invalid_argument("an instance needs a target");
+    }
+    return *target;
+}
+
+std::vector<std::string> downloadFiles(const Workspace& workspace)
+{
+    std::vector<std::string> files;
+    for (const auto& download : workspace.downloads()) {
+        files.push_back(download.file.string());
+    }
+    return files;
+}
+
+} // namespace
 
 Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std::string commandLine,
                    std::unique_ptr<target::Target> target)
     : m_id(std::move(id)), m_port(port), m_workspace(std::move(workspace)),
-      m_commandLine(std::move(commandLine)), m_target(std::move(target))
+      m_commandLine(std::move(commandLine)), m_target(std::move(target)),
+      m_debug(checked(m_target), downloadFiles(m_workspace)), m_expressions(*m_target, m_debug.symbols())
 {
-    if (!m_target) {
-        throw std::invalid_argument("an instance needs a target");
+    m_debug.setExpressionEngine(&m_expressions);
+    m_test = std::make_unique<services::TestService>(*m_target, m_workspace.maxInstructions(),
+                                                     [this] { return firstDebugInfo(); });
+}
+
+const debuginfo::DebugInfo* Instance::firstDebugInfo() const
+{
+    for (const auto& program : m_debug.symbols().programs()) {
+        if (const debuginfo::DebugInfo* info = program.debugInfo()) {
+            return info;
+        }
     }
-    m_test = std::make_unique<services::TestService>(*m_target, m_workspace.maxInstructions());
+    return nullptr;
+}
+
+Instance::~Instance()
+{
+    try {
+        m_debug.stop();
+        m_debug.waitUntilStopped(std::chrono::seconds(10));
+    } catch (...) {
+        // Going anyway: the target stops its run thread when it goes.
+    }
 }
 
 bool Instance::removeClient()

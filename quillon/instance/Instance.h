@@ -6,6 +6,8 @@
 #include <string>
 
 #include "instance/Workspace.h"
+#include "services/DebugService.h"
+#include "services/ExpressionEvaluatorEngine.h"
 #include "services/TestService.h"
 #include "target/Target.h"
 
@@ -22,6 +24,8 @@ public:
     /// `target` is made from `workspace` by `TargetBuilder`; never null.
     Instance(std::string id, std::uint16_t port, Workspace workspace, std::string commandLine,
              std::unique_ptr<target::Target> target);
+    /// Stops the core first, so that no breakpoint condition runs while the services go.
+    ~Instance();
     Instance(const Instance&) = delete;
     Instance& operator=(const Instance&) = delete;
 
@@ -32,7 +36,9 @@ public:
     const std::string& commandLine() const { return m_commandLine; }
     target::Target& target() { return *m_target; }
     const target::Target& target() const { return *m_target; }
-    /// The test service on the target, with the workspace's instruction limit.
+    /// The debugger of the target, with the workspace's download list as list 0.
+    services::DebugService& debug() { return m_debug; }
+    /// The test service on the target, with the workspace's instruction limit, over the debugger's programs.
     services::TestService& test() { return *m_test; }
 
     /// Attached sessions; `InstanceRegistry::attach` and `detach` count them.
@@ -42,12 +48,17 @@ public:
     bool removeClient();
 
 private:
+    /// The debug information of the first downloaded program that has some; null before a download.
+    const debuginfo::DebugInfo* firstDebugInfo() const;
+
     const std::string m_id;
     const std::uint16_t m_port;
     const Workspace m_workspace;
     const std::string m_commandLine;
     const std::unique_ptr<target::Target> m_target;
-    std::unique_ptr<services::TestService> m_test; // after the target it uses
+    services::DebugService m_debug;
+    services::ExpressionEvaluatorEngine m_expressions;
+    std::unique_ptr<services::TestService> m_test; // after the target and programs it uses
     std::atomic<int> m_clients{0};
 };
 

@@ -111,6 +111,9 @@ public:
     std::vector<std::uint32_t> addressesOfLine(const std::string& file, unsigned line) const;
     std::vector<std::string> sourceFiles() const;
 
+    /// The downloaded programs, for the expression engine, which runs inside the service's operations.
+    const SymbolIndex& symbols() const { return m_symbols; }
+
 private:
     template <class F> auto serialized(const std::string& operation, F&& f) const;
     std::uint32_t resolve(const BreakpointLocation& location) const;

@@ -100,8 +100,9 @@ public:
     // Status; never blocks.
     bool isRunning() const { return m_running.load(); }
     StopInfo stopInfo() const;
-    /// The next instruction's address; while running, as of the last slice of the run.
-    uint32_t pc() const { return m_pc.load(); }
+    /// The next instruction's address; while running, as of the last slice of the run, but in a breakpoint
+    /// condition (on the engine's thread) the live one.
+    uint32_t pc() const { return onEngineThread() ? readRegister(Register::PC) & ~1u : m_pc.load(); }
     uint64_t cycles() const { return m_cycles.load(std::memory_order_relaxed); }
     double simulatedSeconds() const;
 

@@ -1,7 +1,8 @@
-// The target access side as a C# caller sees it without a target: the CPU status, the download
-// configuration and list records, the batch and JTAG records, and controllers on a manager
-// that is not connected.
+// The target access side as a C# caller sees it: the CPU status, the download configuration and
+// list records, the batch and JTAG records, controllers on a manager that is not connected, and a
+// debug session on the example firmware with the simulated Quillon of liborbel.so when it is built.
 using System;
+using System.IO;
 
 public static class DebugTests {
   public static void Run() {
@@ -56,6 +57,50 @@ public static class DebugTests {
       var e = Check.Throws<ApplicationException>(() => new CDataController(mgr));
       Check.True(e.Message.StartsWith("IDE3 interface is not available."), e.Message);
       Check.Throws<ApplicationException>(() => new CDebugFacade(mgr));
+    });
+
+    string orbelPath = Environment.GetEnvironmentVariable("ORBEL_PATH") ?? "";
+    string firmware = Environment.GetEnvironmentVariable("KESTRIX_FIRMWARE_FOLDER") ?? "";
+    if (!File.Exists(orbelPath + "liborbel.so") || !File.Exists(Path.Combine(firmware, "build", "firmware.elf"))) {
+      Console.WriteLine("DebugTests: debug session skipped: no liborbel.so in '" + orbelPath
+                        + "' or no example firmware in '" + firmware + "'");
+      return;
+    }
+
+    Check.Case("a debug session on the example firmware", () => {
+      ConnectionMgr mgr = new ConnectionMgr();
+      mgr.connectMRU(Path.Combine(firmware, "workspace.yaml"));
+      CDebugFacade debug = new CDebugFacade(mgr);
+      debug.download();
+      debug.reset();
+      Check.Equal(0, debug.setBP("filter_step", 3));
+      Check.Equal(0, debug.run(2));
+      CPUStatus status = debug.getCPUStatus();
+      Check.True(status.isStopped() && status.isStopReasonBP(), "stopped on the breakpoint");
+      Check.True(debug.getSymbolAtAddress(4, 0, status.getExecutionPoint()).StartsWith("filter_step+0x"),
+                 "in filter_step");
+      Check.Equal(2L, debug.evaluate(0, "g_filter.count").getLong());
+      Check.Equal(0L, debug.evaluate(0, "sample").getLong());
+      Check.Equal((long)status.getExecutionPoint(), debug.readRegister(0, "PC").getLong());
+      Check.Equal("7", debug.modify(0, "g_gain", "3 + 4"));
+      Check.Equal(7L, debug.evaluate(0, "g_gain").getLong());
+
+      uint gain = debug.getVariableAddress("g_gain").getAddress();
+      VectorBYTE bytes = debug.readMemory(0, 0, gain, 4, 1);
+      Check.Equal(8, bytes.Count);
+      Check.Equal((byte)7, bytes[0]);
+      var e = Check.Throws<ApplicationException>(() => debug.readMemory(0, 0, 0x60000000, 4, 1));
+      if (e != null) Check.True(e.Message.StartsWith("F. ReadMemory() failed. Memory can not be accessed."), e.Message);
+      var x = Check.Throws<ApplicationException>(() => debug.evaluate(0, "g_level +"));
+      if (x != null) Check.True(x.Message.StartsWith("F. Evaluate() failed!"), x.Message);
+
+      CLineLocation line = debug.getSourceLineAtAddress(status.getExecutionPoint());
+      Check.True(line.getFileName().EndsWith("sensor_filter.c"), line.getFileName());
+      Check.Equal(0, debug.deleteBP("filter_step"));
+      debug.stepInst();
+      Check.True(debug.getCPUStatus().isStopReasonStep(), "stopped by the step");
+      mgr.disconnect();
+      mgr.Dispose();
     });
   }
 }
