@@ -13,6 +13,10 @@ Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std:
     if (!m_target) {
         throw std::invalid_argument("an instance needs a target");
     }
+    m_options.setDefault(services::OptionTree::kMaxInstructions, std::to_string(m_workspace.maxInstructions()));
+    for (const Workspace::OptionSetting& setting : m_workspace.options()) {
+        m_options.setDefault(setting.path, setting.value);
+    }
 }
 
 bool Instance::removeClient()

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "instance/Workspace.h"
+#include "services/OptionTree.h"
 #include "target/Target.h"
 
 namespace quillon {
@@ -31,6 +32,10 @@ public:
     const std::string& commandLine() const { return m_commandLine; }
     target::Target& target() { return *m_target; }
     const target::Target& target() const { return *m_target; }
+    /// Quillon's options. The workspace's test.maxInstructions and its `options:` (in file
+    /// order) replace the built-in defaults, so a reset returns to what the workspace says.
+    services::OptionTree& options() { return m_options; }
+    const services::OptionTree& options() const { return m_options; }
 
     /// Attached sessions; `InstanceRegistry::attach` and `detach` count them.
     int clients() const { return m_clients.load(); }
@@ -44,6 +49,7 @@ private:
     const Workspace m_workspace;
     const std::string m_commandLine;
     const std::unique_ptr<target::Target> m_target;
+    services::OptionTree m_options;
     std::atomic<int> m_clients{0};
 };
 
