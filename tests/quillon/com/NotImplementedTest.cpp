@@ -63,7 +63,6 @@ TEST_F(NotImplementedTest, EveryOtherOperationAnswersNotImplementedAndNamesIt)
         {"OrbelIDE3::Reserved6", [&] { return ide->Reserved6(); }},
         {"OrbelIDE3::Reserved7", [&] { return ide->Reserved7(); }},
         {"OrbelIDE3::Reserved8", [&] { return ide->Reserved8(); }},
-        {"OrbelIDE3::Option", [&] { return ide->Option(0x80000001, "Debug", "Option", nullptr); }},
         {"OrbelIDE3::ServiceCallData",
          [&] { return ide->ServiceCallData(0x10000000, &SERVICE_Scan, 0, nullptr, 0, nullptr, 0, nullptr, 0, nullptr, 0); }},
         {"OrbelDebug::GetCPUInfo", [&] { return debug->GetCPUInfo(nullptr); }},
