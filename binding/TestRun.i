@@ -24,6 +24,8 @@ extern "C" void kx_deleteCustomFunctions(kestrix::ICustomFunctions* functions);
 
 namespace kestrix {
 
+class CIDEController;
+class CTestEnvironmentConfig;
 class ConnectionMgr;
 class OrbelTest;
 class ITestParserEventReceiver;
@@ -98,10 +100,13 @@ public:
     void setCallbackObject(ICustomFunctions* callbackObject);
     void tessarCpp(const std::string& testSpecText, StrVector& results, bool keepFailedTest = false);
     void runTest(std::shared_ptr<CTestSpecification> spec, StrVector& results, bool keepFailedTest = false);
+    void initEnvironment(CTestEnvironmentConfig& config, bool isInitTarget);
     static std::string toYAMLString(const ITestParserEventReceiver& object);
 
     std::shared_ptr<CTestCaseController> createTestController(const std::string& functionName,
                                                               const std::string& retValName);
+    std::shared_ptr<CIDEController> createIDEController(std::shared_ptr<CTestSpecification> spec);
+    void setOptions(std::shared_ptr<CIDEController> ideController, std::shared_ptr<CTestSpecification> spec);
     void createParameters(std::shared_ptr<CTestSpecification> spec, std::shared_ptr<CTestCaseController> ctrl);
     void setParameters(std::shared_ptr<CTestSpecification> spec, std::shared_ptr<CTestCaseController> ctrl);
     void createLocals(std::shared_ptr<CTestSpecification> spec, std::shared_ptr<CTestCaseController> ctrl);

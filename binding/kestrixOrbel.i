@@ -26,6 +26,7 @@
 %include "Results.i"
 %include "Connection.i"
 %include "Debug.i"
+%include "IDE.i"
 %include "TestRun.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.

@@ -3,14 +3,18 @@
 #include "OrbelIDE3.h"
 #include "com/Adapter.h"
 #include "com/Session.h"
+#include "services/OptionTree.h"
 
 namespace quillon::com {
 
 /// `OrbelIDE3`, with `OrbelIDE2` and `OrbelIDE` at its start: Quillon as an application.
 /// `GetQuillonVersion` answers the version and the number of clients of the attached instance;
-/// a headless instance has no main window and no folders to tell, so those requests stay
-/// unanswered. The other operations answer E_NOTIMPL with a message that names them until the
-/// service behind them exists.
+/// a headless instance has no main window; of the folders it tells the workspace's folder
+/// (request 0x10) and no other. `Option` reads and writes the instance's `OptionTree`: the
+/// module bits name the module of the path, and an option is set at once, so a commit has
+/// nothing to do. An unknown option answers ORBEL_E_BAD_ID, a bad value E_INVALIDARG, a text or
+/// number that does not fit the caller's record ORBEL_E_SIZE, each with the message. Documents,
+/// the workspace, windows and service calls answer E_NOTIMPL with a message that names them.
 class IdeAdapter final : public Adapter<kestrix::OrbelIDE3> {
 public:
     IdeAdapter(kestrix::IUnknown& owner, LastError& lastError, Session& session)
@@ -32,6 +36,16 @@ public:
 
 private:
     HRESULT quillonVersion(DWORD size, kestrix::SQuillonVersionInfo* info);
+    HRESULT option(DWORD flags, const char* scope, const char* name, kestrix::SOptionValue* value);
+    /// Sets each "name:value" of the record's text; pairs apart by the option separator.
+    HRESULT setNameValues(services::OptionTree& options, const std::string& module, const std::string& scope,
+                          const kestrix::SOptionValue& value);
+    HRESULT readOption(services::OptionTree& options, const std::string& path, DWORD kind,
+                       kestrix::SOptionValue& value);
+    HRESULT writeOption(services::OptionTree& options, const std::string& path, DWORD kind,
+                        const kestrix::SOptionValue& value);
+    HRESULT dynamicOption(services::OptionTree& options, const std::string& path, DWORD operation,
+                          kestrix::SOptionValue& value);
 
     Session& m_session;
 };

@@ -33,6 +33,10 @@ Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std:
       m_commandLine(std::move(commandLine)), m_target(std::move(target)),
       m_debug(checked(m_target), downloadFiles(m_workspace)), m_expressions(*m_target, m_debug.symbols())
 {
+    m_options.setDefault(services::OptionTree::kMaxInstructions, std::to_string(m_workspace.maxInstructions()));
+    for (const Workspace::OptionSetting& setting : m_workspace.options()) {
+        m_options.setDefault(setting.path, setting.value);
+    }
     m_debug.setExpressionEngine(&m_expressions);
     m_test = std::make_unique<services::TestService>(*m_target, m_workspace.maxInstructions(),
                                                      [this] { return firstDebugInfo(); });

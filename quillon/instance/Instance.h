@@ -9,6 +9,7 @@
 #include "services/DebugService.h"
 #include "services/ExpressionEvaluatorEngine.h"
 #include "services/TestService.h"
+#include "services/OptionTree.h"
 #include "target/Target.h"
 
 namespace quillon {
@@ -40,6 +41,10 @@ public:
     services::DebugService& debug() { return m_debug; }
     /// The test service on the target, with the workspace's instruction limit, over the debugger's programs.
     services::TestService& test() { return *m_test; }
+    /// Quillon's options. The workspace's test.maxInstructions and its `options:` (in file
+    /// order) replace the built-in defaults, so a reset returns to what the workspace says.
+    services::OptionTree& options() { return m_options; }
+    const services::OptionTree& options() const { return m_options; }
 
     /// Attached sessions; `InstanceRegistry::attach` and `detach` count them.
     int clients() const { return m_clients.load(); }
@@ -56,6 +61,7 @@ private:
     const Workspace m_workspace;
     const std::string m_commandLine;
     const std::unique_ptr<target::Target> m_target;
+    services::OptionTree m_options;
     services::DebugService m_debug;
     services::ExpressionEvaluatorEngine m_expressions;
     std::unique_ptr<services::TestService> m_test; // after the target and programs it uses

@@ -26,6 +26,8 @@ namespace quillon {
 ///       - file: build/fw.elf  # relative to the workspace's folder
 ///     test:
 ///       maxInstructions: 100000000   # 64 bits, not zero
+///     options:                # option path: value, set in file order (services/OptionTree.h
+///       /IDE/Debug/StopOnReset: 0     # has the paths); a list option takes a YAML list
 ///
 /// Numbers are decimal or 0x hexadecimal. A key given with a null value (`target:`) is as if
 /// it were not given; a null scalar value is a missing value. Keys are case-sensitive.
@@ -50,6 +52,8 @@ namespace quillon {
 ///     duplicate memory area name '<name>' in '<key>' (first on line <n>)
 ///     memory area '<name>' in '<key>' ends past 0xffffffff
 ///     memory area '<name>' in '<key>' overlaps '<other>' (line <n>)
+///     unknown option '<path>'
+///     bad value '<text>' for option '<path>' (<what it takes>)
 /// where <key> is the dotted path with 0-based list indices: 'target.memory[1].size'.
 class Workspace {
 public:
@@ -67,6 +71,14 @@ public:
 
         /// One past the last byte; may be 2^32.
         std::uint64_t end() const { return std::uint64_t(start) + size; }
+    };
+
+    /// One entry of `options:`; the value is checked against the option's kind, a list's
+    /// items one a line.
+    struct OptionSetting {
+        std::string path;
+        std::string value;
+        int line = 0;
     };
 
     struct DownloadFile {
@@ -99,6 +111,8 @@ public:
     bool memoryFromDownload() const { return m_memory.empty(); }
     const std::vector<DownloadFile>& downloads() const { return m_downloads; }
     std::uint64_t maxInstructions() const { return m_maxInstructions; }
+    /// The options the file sets, in file order.
+    const std::vector<OptionSetting>& options() const { return m_options; }
 
     /// `path` made absolute with symbolic links, "." and ".." resolved as far as it exists: the
     /// form of `file()` and of the download paths, so paths written differently compare equal.
@@ -116,6 +130,7 @@ private:
     std::vector<MemoryArea> m_memory;
     std::vector<DownloadFile> m_downloads;
     std::uint64_t m_maxInstructions = kDefaultMaxInstructions;
+    std::vector<OptionSetting> m_options;
 };
 
 } // namespace quillon

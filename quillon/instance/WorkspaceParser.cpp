@@ -11,6 +11,8 @@
 #include <utility>
 
 #include "instance/WorkspaceError.h"
+#include "services/OptionTree.h"
+#include "services/ServiceError.h"
 
 namespace quillon {
 
@@ -146,6 +148,7 @@ void WorkspaceParser::parseRoot(Node* root)
         {"target", false, [this](Node* n, const std::string& k) { parseTarget(n, k); }},
         {"download", false, [this](Node* n, const std::string& k) { parseDownload(n, k); }},
         {"test", false, [this](Node* n, const std::string& k) { parseTest(n, k); }},
+        {"options", false, [this](Node* n, const std::string& k) { parseOptions(n, k); }},
     });
 }
 
@@ -223,6 +226,48 @@ void WorkspaceParser::parseTest(Node* map, const std::string& key)
         {"maxInstructions", false,
          [this](Node* n, const std::string& k) { m_workspace.m_maxInstructions = nonZero(n, k, 64); }},
     });
+}
+
+void WorkspaceParser::parseOptions(Node* map, const std::string& key)
+{
+    if (!expect(map, YAML_MAPPING_NODE, key)) {
+        return;
+    }
+    services::OptionTree check;
+    std::map<std::string, int> seen; // path -> line
+    for (yaml_node_pair_t* pair = map->data.mapping.pairs.start; pair < map->data.mapping.pairs.top; ++pair) {
+        Node* name = node(pair->key);
+        if (name->type != YAML_SCALAR_NODE) {
+            fail(name, std::string("a key ") + inMap(key) + " must be a single value, not " + kindName(name->type));
+        }
+        const std::string path = scalarText(name);
+        const auto [first, added] = seen.emplace(path, lineOf(name));
+        if (!added) {
+            fail(name, "duplicate key '" + path + "' " + inMap(key) + " (first on line "
+                           + std::to_string(first->second) + ")");
+        }
+        Node* valueNode = node(pair->value);
+        const std::string value = optionValue(valueNode, join(key, path));
+        try {
+            check.set(path, value);
+        } catch (const services::ServiceError& error) {
+            fail(error.kind() == services::ServiceError::Kind::NotFound ? name : valueNode, error.what());
+        }
+        m_workspace.m_options.push_back(Workspace::OptionSetting{path, value, lineOf(name)});
+    }
+}
+
+std::string WorkspaceParser::optionValue(Node* value, const std::string& key)
+{
+    if (value->type != YAML_SEQUENCE_NODE) {
+        return text(value, key);
+    }
+    std::string items;
+    const yaml_node_item_t* item = value->data.sequence.items.start;
+    for (std::size_t i = 0; item + i < value->data.sequence.items.top; ++i) {
+        items += (i == 0 ? "" : "\n") + text(node(item[i]), indexed(key, i));
+    }
+    return items;
 }
 
 // Structure

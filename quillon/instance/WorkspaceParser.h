@@ -47,6 +47,9 @@ private:
     void parseDownload(Node* list, const std::string& key);
     void parseDownloadFile(Node* map, const std::string& key);
     void parseTest(Node* map, const std::string& key);
+    void parseOptions(Node* map, const std::string& key);
+    /// The value of an option: a single value, or a list's items one a line.
+    std::string optionValue(Node* value, const std::string& key);
 
     void readMap(Node* map, const std::string& key, std::initializer_list<Key> keys);
     void readList(Node* list, const std::string& key, const Reader& readItem);

@@ -1,6 +1,10 @@
 #include "CTestCase.h"
 
+#include "CDebugFacade.h"
+#include "CIDEController.h"
 #include "CStringStream.h"
+#include "CTestEnvironmentConfig.h"
+#include "ConnectionMgr.h"
 #include "CTestCaseController.h"
 #include "CTestFunction.h"
 #include "CTestSpecification.h"
@@ -24,6 +28,9 @@ const DWORD MODIFY_FLAGS = 0;
 // A run polls the target without a time limit.
 const int RUN_TIMEOUT = -1;
 const DWORD RUN_POLLING_MS = 50;
+// Running to the stop function of the environment.
+const int STOP_FUNCTION_TIMEOUT = 0;
+const DWORD STOP_FUNCTION_POLLING_MS = 100;
 
 bool isLetter(char c)
 {
@@ -70,7 +77,69 @@ T& required(const std::shared_ptr<T>& pointer, const char* what)
 
 } // namespace
 
-CTestCase::CTestCase(std::shared_ptr<ConnectionMgr> connectionMgr) : connectionMgr(std::move(connectionMgr)) {}
+CTestCase::CTestCase(std::shared_ptr<ConnectionMgr> connectionMgr) : connectionMgr(std::move(connectionMgr))
+{
+    // The facade's controllers need a live connection; initEnvironment may make it later.
+    if (this->connectionMgr && this->connectionMgr->isConnected()) {
+        debug = std::make_shared<CDebugFacade>(this->connectionMgr);
+    }
+}
+
+CDebugFacade& CTestCase::debugFacade()
+{
+    if (!debug) {
+        required(connectionMgr, "Connection manager");
+        debug = std::make_shared<CDebugFacade>(connectionMgr);
+    }
+    return *debug;
+}
+
+void CTestCase::initEnvironment(CTestEnvironmentConfig& config, bool isInitTarget)
+{
+    required(connectionMgr, "Connection manager").connectMRU(config.getWorkspace());
+    if (!isInitTarget) {
+        return;
+    }
+    CDebugFacade& facade = debugFacade();
+    if (config.idDownloadOnInit()) {
+        facade.getLoaderController().download();
+    }
+    CExecutionController& execution = facade.getExecutionController();
+    if (config.isResetOnInit()) {
+        execution.reset();
+    }
+    if (config.isRunOnInit()) {
+        const std::string stopFunction = config.getStopFunction();
+        if (stopFunction.empty()) {
+            execution.run();
+        } else {
+            execution.runUntilFunction(stopFunction);
+            execution.waitUntilStopped(STOP_FUNCTION_TIMEOUT, STOP_FUNCTION_POLLING_MS);
+        }
+    }
+}
+
+std::shared_ptr<CIDEController> CTestCase::createIDEController(std::shared_ptr<CTestSpecification> spec)
+{
+    if (!required(spec, "Test specification").getOptionKeys().empty() && !ideController) {
+        ideController = std::make_shared<CIDEController>(connectionMgr);
+    }
+    return ideController;
+}
+
+void CTestCase::setOptions(std::shared_ptr<CIDEController> ideController, std::shared_ptr<CTestSpecification> spec)
+{
+    if (!ideController) {
+        return;
+    }
+    const CTestSpecification& test = required(spec, "Test specification");
+    const StrVector& keys = test.getOptionKeys();
+    StrVector values;
+    test.getOptionValues(values);
+    for (size_t i = 0; i < keys.size(); ++i) {
+        ideController->setOption(keys[i], i < values.size() ? values[i] : std::string());
+    }
+}
 
 CTestCase::~CTestCase() = default;
 
@@ -98,12 +167,9 @@ void CTestCase::checkAnalyzers(CTestSpecification& spec)
         throw IllegalArgumentException(KX_POS, "To many analyzers!\nOnly one of analyzers (trace, coverage, "
                                                "profiler)\nmay be specified in the same test specification!");
     }
-    // Options and analyzers need controllers of their own, which the run does not drive yet.
+    // Analyzers need controllers of their own, which the run does not drive yet.
     if (active > 0 || !spec.getHIL().isEmpty()) {
         throw FeatureNotImplementedException(KX_POS, "Analyzers and HIL in a test run are not supported yet!");
-    }
-    if (!spec.getOptionKeys().empty()) {
-        throw FeatureNotImplementedException(KX_POS, "Options in a test run are not supported yet!");
     }
 }
 
@@ -117,6 +183,7 @@ void CTestCase::runTest(std::shared_ptr<CTestSpecification> spec, StrVector& res
     const CTestFunction& function = test.getFunctionUnderTest();
     std::shared_ptr<CTestCaseController> ctrl = createTestController(function.getName(), function.getRetValueName());
     try {
+        setOptions(createIDEController(spec), spec);
         createParameters(spec, ctrl);
         createLocals(spec, ctrl);
         createStubs(test.getStubs(), ctrl);

@@ -116,5 +116,10 @@ std::string appDataDir()
     return std::string(home) + "/.config";
 }
 
+bool setForegroundWindow(uint32_t)
+{
+    return false;
+}
+
 } // namespace platform
 } // namespace kestrix

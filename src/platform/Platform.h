@@ -32,5 +32,8 @@ std::string lastLoadError();
 /// The per-user application data folder: $APPDATA, else $HOME/.config; empty if neither is known.
 std::string appDataDir();
 
+/// Brings the window of `handle` to the front; false where there is no window system to ask.
+bool setForegroundWindow(uint32_t handle);
+
 } // namespace platform
 } // namespace kestrix

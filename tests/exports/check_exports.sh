@@ -31,6 +31,7 @@ finished=(
   SBatchAccessHeader SBatchAccessItem SBatchAccessItemResult VectorBatchAccessItem VectorBatchAccessResult
   SScan_IN SScan_OUT SLine_IN SLine_OUT Scan
   CTestCaseController CTestVariableController CTestStubController ICustomFunctions
+  CIDEController CIDEData COptionValue SOptionValue
 )
 # Free functions and registration exports, named whole.
 finished_names=(
@@ -39,6 +40,7 @@ finished_names=(
   SWIGRegisterStringCallback_kestrixOrbel
   CSharp_new_SPtrFactoryConnectionMgr
   CSharp_SERVICE_Scan_get
+  CSharp_PathSeparator CSharp_ValueSeparator CSharp_OptionSeparator
 )
 # Names SWIG's own C# proxies call; the catalogue's names for them are shims beside them.
 allowed=(

@@ -10,6 +10,7 @@ public static class ManagedTestMain {
     ResultsTests.Run();
     ConnectionTests.Run();
     DebugTests.Run();
+    IdeTests.Run();
     TestRunTests.Run();
     return Check.Result("managed tests");
   }

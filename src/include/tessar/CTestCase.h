@@ -9,6 +9,9 @@
 
 namespace kestrix {
 
+class CDebugFacade;
+class CIDEController;
+class CTestEnvironmentConfig;
 class ConnectionMgr;
 class CTestCaseController;
 class CTestFunction;
@@ -22,6 +25,7 @@ class ITestParserEventReceiver;
 /// step is public, so that a caller can compose its own run.
 class CTestCase {
 public:
+    /// Builds the debug facade at once if the connection is up, else on the first need.
     explicit CTestCase(std::shared_ptr<ConnectionMgr> connectionMgr);
     ~CTestCase();
 
@@ -34,11 +38,19 @@ public:
     /// holding one. Failures leave as exceptions, the test cleaned and destroyed on the way.
     void runTest(std::shared_ptr<CTestSpecification> spec, StrVector& results, bool keepFailedTest = false);
 
+    /// Connects to the workspace's Quillon and, with `isInitTarget`, prepares the target as the
+    /// environment asks: download, reset, run (to its stop function).
+    void initEnvironment(CTestEnvironmentConfig& config, bool isInitTarget);
+
     /// YAML text of one object, as an explicit document.
     static std::string toYAMLString(const ITestParserEventReceiver& object);
 
     std::shared_ptr<CTestCaseController> createTestController(const std::string& functionName,
                                                               const std::string& retValName);
+    /// Made on the first specification with options and kept for the next runs; may be null.
+    std::shared_ptr<CIDEController> createIDEController(std::shared_ptr<CTestSpecification> spec);
+    /// Sets the specification's options in their order; nothing with a null controller.
+    void setOptions(std::shared_ptr<CIDEController> ideController, std::shared_ptr<CTestSpecification> spec);
     void createParameters(std::shared_ptr<CTestSpecification> spec, std::shared_ptr<CTestCaseController> ctrl);
     void setParameters(std::shared_ptr<CTestSpecification> spec, std::shared_ptr<CTestCaseController> ctrl);
     void createLocals(std::shared_ptr<CTestSpecification> spec, std::shared_ptr<CTestCaseController> ctrl);
@@ -76,8 +88,13 @@ private:
     void runInitializedTest(std::shared_ptr<CTestSpecification> spec, StrVector& results,
                             std::shared_ptr<CTestCaseController> ctrl);
 
+    /// The facade, built now if it is still missing.
+    CDebugFacade& debugFacade();
+
     ICustomFunctions* callbackObject = nullptr;
     std::shared_ptr<ConnectionMgr> connectionMgr;
+    std::shared_ptr<CDebugFacade> debug;
+    std::shared_ptr<CIDEController> ideController;
 };
 
 } // namespace kestrix

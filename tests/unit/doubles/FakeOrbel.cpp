@@ -189,6 +189,9 @@ public:
     {
         record("GetQuillonVersion(" + std::to_string(size) + ", " + hex(info->m_dwFlags) + ")");
         const fakeorbel::Script& script = g_state.script;
+        if (info->m_dwFlags != OrbelIDEFlags::vrVersion && script.ide.information) {
+            return script.ide.information(info);
+        }
         info->m_dwFlags = script.versionPresent ? DWORD(OrbelIDEFlags::vrVersion) : DWORD(0);
         info->m_byMajor = script.major;
         info->m_byMinor = script.minor;
@@ -198,7 +201,13 @@ public:
 
     HRESULT Document(DWORD, const char*, const char*, DWORD) override { return E_NOTIMPL; }
     HRESULT Workspace(DWORD, const char*) override { return E_NOTIMPL; }
-    HRESULT Application(DWORD, SApplicationData*) override { return E_NOTIMPL; }
+    HRESULT Application(DWORD command, SApplicationData* data) override
+    {
+        record(std::string(m_ownName) + ".Application(" + hex(command) + ", " + std::to_string(data->m_dwLeft) + ", " +
+               std::to_string(data->m_dwTop) + ", " + std::to_string(data->m_dwRight) + ", " +
+               std::to_string(data->m_dwBottom) + ", " + std::to_string(data->m_dwPID) + ")");
+        return answer(g_state.script.ide.application, command, data);
+    }
     HRESULT ServiceCall(DWORD flags, const GUID* service, DWORD inSize, const void* in, DWORD outSize, void* out,
                         DWORD reserved) override
     {
@@ -209,7 +218,16 @@ public:
     HRESULT Reserved6() override { return E_NOTIMPL; }
     HRESULT Reserved7() override { return E_NOTIMPL; }
     HRESULT Reserved8() override { return E_NOTIMPL; }
-    HRESULT Option(DWORD, const char*, const char*, SOptionValue*) override { return E_NOTIMPL; }
+    /// Recorded as Option(flags, scope, name, separators, text in, integer, float, output size).
+    HRESULT Option(DWORD flags, const char* scope, const char* name, SOptionValue* value) override
+    {
+        record(std::string(m_ownName) + ".Option(" + hex(flags) + ", " + textOf(scope) + ", " + textOf(name) + ", " +
+               std::to_string(int{value->m_cPathSeparator}) + "/" + std::to_string(int{value->m_cValueSeparator}) +
+               "/" + std::to_string(int{value->m_cOptionSeparator}) + ", " + textOf(value->m_pszStringIn) + ", " +
+               std::to_string(value->m_dwInteger) + ", " + std::to_string(value->m_dFloat) + ", " +
+               std::to_string(value->m_dwStringOutSize) + ")");
+        return answer(g_state.script.ide.option, flags, scope, name, value);
+    }
     HRESULT ServiceCallData(DWORD flags, const GUID* service, DWORD inSize, const void* in, DWORD inDataSize,
                             const void* inData, DWORD outSize, void* out, DWORD outDataSize, void* outData,
                             DWORD reserved) override

@@ -14,8 +14,11 @@
 #include "OrbelTypes.h"
 #include "SBatchAccessHeader.h"
 #include "SBatchAccessItem.h"
+#include "SApplicationData.h"
 #include "SBatchAccessItemResult.h"
 #include "SCPUStatus.h"
+#include "SOptionValue.h"
+#include "SQuillonVersionInfo.h"
 #include "SType.h"
 #include "SValue.h"
 
@@ -64,9 +67,18 @@ struct DebugAnswers {
         serviceCallData;
 };
 
+/// Answers of the IDE operations. GetQuillonVersion answers a request for the version alone
+/// from the Script's version fields; any other request goes to `information` when given.
+struct IdeAnswers {
+    std::function<HRESULT(DWORD, kestrix::SApplicationData*)> application;
+    std::function<HRESULT(DWORD, const char*, const char*, kestrix::SOptionValue*)> option;
+    std::function<HRESULT(kestrix::SQuillonVersionInfo*)> information;
+};
+
 /// What the double answers.
 struct Script {
     DebugAnswers debug;
+    IdeAnswers ide;
     HRESULT createResult = kestrix::S_OK;
     /// Interfaces (by name, "Orbel", "OrbelIDE3", ...) that QueryInterface refuses.
     std::vector<std::string> missing;
