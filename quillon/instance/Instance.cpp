@@ -38,8 +38,9 @@ Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std:
         m_options.setDefault(setting.path, setting.value);
     }
     m_debug.setExpressionEngine(&m_expressions);
-    m_test = std::make_unique<services::TestService>(*m_target, m_workspace.maxInstructions(),
-                                                     [this] { return firstDebugInfo(); });
+    m_test = std::make_unique<services::TestService>(
+        *m_target, [this] { return m_options.integer(services::OptionTree::kMaxInstructions); },
+        [this] { return firstDebugInfo(); });
 }
 
 const debuginfo::DebugInfo* Instance::firstDebugInfo() const

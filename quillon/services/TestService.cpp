@@ -27,7 +27,12 @@ bool inRun(TestState state)
 } // namespace
 
 TestService::TestService(target::Target& target, std::uint64_t maxInstructions, ProgramSource programs)
-    : m_target(target), m_maxInstructions(maxInstructions), m_programs(std::move(programs))
+    : TestService(target, LimitSource([maxInstructions] { return maxInstructions; }), std::move(programs))
+{
+}
+
+TestService::TestService(target::Target& target, LimitSource maxInstructions, ProgramSource programs)
+    : m_target(target), m_maxInstructions(std::move(maxInstructions)), m_programs(std::move(programs))
 {
 }
 
@@ -253,7 +258,7 @@ void TestService::createStubReturnValue(std::uint32_t stubHandle, const std::str
 std::unique_ptr<expr::ExpressionEvaluator> TestService::evaluator(const TestCase& test, const expr::ScopeChain& scopes)
 {
     expr::FunctionCaller::Options options;
-    options.instructionLimit = m_maxInstructions;
+    options.instructionLimit = m_maxInstructions();
     options.returnAddress = returnAddress;
     return std::make_unique<expr::ExpressionEvaluator>(test.debugInfo(), m_target, scopes, options);
 }
@@ -390,7 +395,7 @@ void TestService::run(std::uint32_t handle)
             m_activeStub = 0;
         }
         target::RunOptions options;
-        options.instructionLimit = m_maxInstructions;
+        options.instructionLimit = m_maxInstructions();
         m_target.run(options);
     } catch (const target::TargetError& error) {
         throw TestError(TestError::Kind::Io, "cannot run the test of '" + found.name() + "': " + error.what());
@@ -507,7 +512,7 @@ void TestService::stopped(TestCase& test, const target::StopInfo& stop)
     std::string what;
     switch (stop.reason) {
     case StopReason::InstructionLimit:
-        what = "the run of '" + test.name() + "' did not end within " + std::to_string(m_maxInstructions) +
+        what = "the run of '" + test.name() + "' did not end within " + std::to_string(m_maxInstructions()) +
                " instructions";
         break;
     case StopReason::Fault:

@@ -36,7 +36,11 @@ public:
     /// Where the function under test returns to: an address no code has, in executable address space.
     static constexpr std::uint32_t returnAddress = 0x9FFFFE00;
 
+    /// The instructions a test run may take, read at each run: the instance's option can change between runs.
+    using LimitSource = std::function<std::uint64_t()>;
+
     TestService(target::Target& target, std::uint64_t maxInstructions, ProgramSource programs = {});
+    TestService(target::Target& target, LimitSource maxInstructions, ProgramSource programs = {});
     ~TestService();
     TestService(const TestService&) = delete;
     TestService& operator=(const TestService&) = delete;
@@ -100,7 +104,7 @@ private:
     void destroy(std::uint32_t handle);
 
     target::Target& m_target;
-    const std::uint64_t m_maxInstructions;
+    const LimitSource m_maxInstructions;
     mutable std::mutex m_mutex;
     ProgramSource m_programs;
     std::map<std::uint32_t, std::unique_ptr<TestCase>> m_tests;

@@ -73,6 +73,10 @@ public static class DebugTests {
       CDebugFacade debug = new CDebugFacade(mgr);
       debug.download();
       debug.reset();
+      Check.Equal(0, debug.runUntilFunction("main", 2));
+      Check.True(debug.getSymbolAtAddress(4, 0, debug.getCPUStatus().getExecutionPoint()).StartsWith("main"),
+                 "run to main");
+      Check.Throws<ApplicationException>(() => debug.getVariableAddress("no_such_symbol"));
       Check.Equal(0, debug.setBP("filter_step", 3));
       Check.Equal(0, debug.run(2));
       CPUStatus status = debug.getCPUStatus();

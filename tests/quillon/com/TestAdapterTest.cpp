@@ -12,7 +12,7 @@
 #include "OrbelFlags.h"
 #include "OrbelTest.h"
 #include "OrbelTestFlags.h"
-#include "services/Loader.h"
+#include "services/OptionTree.h"
 
 namespace quillon::com::test {
 namespace {
@@ -31,9 +31,8 @@ protected:
         WORD port = 0;
         ASSERT_EQ(S_OK, launch(OrbelFlags::lfStartNew, workspaceFile("ws.yaml"), &port));
         ASSERT_EQ(S_OK, attach(port));
-        std::shared_ptr<Instance> instance = registry.instances().at(0);
-        programs = services::Loader(instance->target()).download({std::string(FIRMWARE_DIR) + "/testsvc.elf"});
-        instance->test().setProgramSource([this] { return programs.front().debugInfo(); });
+        instance = registry.instances().at(0);
+        instance->debug().downloadFile(std::string(FIRMWARE_DIR) + "/testsvc.elf");
     }
 
     /// Polls the state as the client does while it is stateRunning.
@@ -72,7 +71,7 @@ protected:
     }
 
     OrbelTest* test;
-    std::vector<services::Program> programs;
+    std::shared_ptr<Instance> instance;
 };
 
 TEST_F(TestAdapterTest, ARunWithAStubHitTwiceEndsWithItsExpectations)
@@ -175,6 +174,18 @@ TEST_F(TestAdapterTest, AFaultIsAnUnexpectedStopThatGetLastErrorExplains)
     EXPECT_EQ(S_OK, test->Control(Flags::tcClearAll, 0));
     DWORD state = 0;
     EXPECT_NE(S_OK, test->GetStatus(Flags::tskTestState, handle, &state)) << "clear all removes every test";
+}
+
+TEST_F(TestAdapterTest, TheInstructionLimitIsTheInstancesOptionAtEachRun)
+{
+    instance->options().set(services::OptionTree::kMaxInstructions, "5000");
+    DWORD handle = 0;
+    ASSERT_EQ(S_OK, test->CreateTest(&handle, "spin"));
+    ASSERT_EQ(S_OK, test->Control(Flags::tcInit, handle));
+    ASSERT_EQ(S_OK, test->Control(Flags::tcRun, handle));
+    EXPECT_EQ(DWORD(Flags::stateUnexpectedStop), waitForStop(handle));
+    const std::string text = testError().second;
+    EXPECT_NE(std::string::npos, text.find("did not end within 5000 instructions")) << text;
 }
 
 TEST_F(TestAdapterTest, ResultsAreCutToTheBuffer)
