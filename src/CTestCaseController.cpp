@@ -111,19 +111,10 @@ CTestCaseController::CTestCaseController(std::shared_ptr<ConnectionMgr> connecti
 
 CTestCaseController::~CTestCaseController()
 {
-    CLogger* logger = getLogger();
-    if (logger != nullptr) {
+    if (CLogger* logger = getLogger()) {
         logger->logc("Dtor: ~CTestCaseController");
-        logger->log(instanceId, CLASS_DTOR);
     }
-    try {
-        destroy();
-    } catch (const IException& e) {
-        if (logger != nullptr) {
-            logger->log(instanceId, CLASS_DTOR, e.what());
-        }
-    } catch (...) {
-    }
+    destroyForDestructor(CLASS_DTOR, [this] { destroy(); });
 }
 
 void CTestCaseController::destroy()

@@ -56,18 +56,7 @@ void CTestStubController::create(const std::string& functionName)
 
 CTestStubController::~CTestStubController()
 {
-    CLogger* logger = getLogger();
-    if (logger != nullptr) {
-        logger->log(instanceId, CLASS_DTOR);
-    }
-    try {
-        destroy();
-    } catch (const IException& e) {
-        if (logger != nullptr) {
-            logger->log(instanceId, CLASS_DTOR, e.what());
-        }
-    } catch (...) {
-    }
+    destroyForDestructor(CLASS_DTOR, [this] { destroy(); });
 }
 
 void CTestStubController::destroy()

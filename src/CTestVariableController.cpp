@@ -38,18 +38,7 @@ CTestVariableController::CTestVariableController(std::shared_ptr<ConnectionMgr> 
 
 CTestVariableController::~CTestVariableController()
 {
-    CLogger* logger = getLogger();
-    if (logger != nullptr) {
-        logger->log(instanceId, CLASS_DTOR);
-    }
-    try {
-        destroy();
-    } catch (const IException& e) {
-        if (logger != nullptr) {
-            logger->log(instanceId, CLASS_DTOR, e.what());
-        }
-    } catch (...) {
-    }
+    destroyForDestructor(CLASS_DTOR, [this] { destroy(); });
 }
 
 void CTestVariableController::destroy()

@@ -2,8 +2,10 @@
 
 #include <string>
 
+#include "CLogger.h"
 #include "COrbelClientBeta.h"
 #include "ConnectionMgr.h"
+#include "IException.h"
 #include "IOException.h"
 #include "OrbelResults.h"
 #include "VersionConflictException.h"
@@ -252,6 +254,22 @@ std::string WrapperBase::getLastErrorText() const
         }
     }
     return "";
+}
+
+void WrapperBase::destroyForDestructor(const char* dtorName, const std::function<void()>& destroy) const noexcept
+{
+    CLogger* logger = getLogger();
+    if (logger != nullptr) {
+        logger->log(instanceId, dtorName);
+    }
+    try {
+        destroy();
+    } catch (const IException& e) {
+        if (logger != nullptr) {
+            logger->log(instanceId, dtorName, e.what());
+        }
+    } catch (...) {
+    }
 }
 
 } // namespace kestrix

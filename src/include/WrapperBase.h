@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -62,6 +63,9 @@ public:
     static std::string resultCodeText(HRESULT hr);
 
 protected:
+    /// For a destructor: logs `dtorName`, runs `destroy` and logs a failure of it; nothing escapes.
+    void destroyForDestructor(const char* dtorName, const std::function<void()>& destroy) const noexcept;
+
     COrbelClient* m_client;
     std::shared_ptr<ConnectionMgr> m_connectionMgr;
     /// Name of this object in the call logger's script; set by each controller.
