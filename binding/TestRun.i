@@ -126,6 +126,16 @@ public:
                   std::shared_ptr<CTestCaseController> ctrl);
     void evalSubExpressions(StrVector& names, const StrVector& formats, const std::string& expression,
                             StrStrMap& values, DWORD formatIndex, std::shared_ptr<CTestCaseController> ctrl);
+
+    CTestResult getTestResults(std::shared_ptr<CTestSpecification> spec, const StrVector& expressionResults,
+                               const CTestCoverage& coverage,
+                               const std::map<std::string, kestrix::CCoverageStatistic>& coverageResults,
+                               const CTestProfiler& profiler,
+                               const std::map<std::string, kestrix::CProfilerStatistic>& profilerCodeResults,
+                               const std::map<std::string, std::vector<kestrix::CProfilerStatistic> >& profilerDataResults);
+    const std::map<std::string, kestrix::CCoverageStatistic>& getCachedCoverageResults() const;
+    const std::map<std::string, kestrix::CProfilerStatistic>& getCachedProfilerCodeResults() const;
+    const std::map<std::string, std::vector<kestrix::CProfilerStatistic> >& getCachedProfilerDataResults() const;
 };
 
 } // namespace kestrix

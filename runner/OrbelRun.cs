@@ -1,8 +1,13 @@
-// The command-line runner: reads test files through the generated C# proxies and shows each
-// test in the flat form that a test run executes.
+// The command-line runner over the generated C# proxies: runs test files on their target and
+// judges them, or shows them in the flat form that a run executes.
 //
-//   OrbelRun [FILE...] [--save OUT]   without FILE: the files in examples/
-//   OrbelRun --self-check             a short round through the binding
+//   OrbelRun [FILE...]              runs the tests; without FILE the files in examples/
+//   OrbelRun --show [FILE...]       shows each test in flat form, runs nothing
+//   OrbelRun FILE --save OUT        reads a file and writes it back through the library
+//   OrbelRun --self-check           a short round through the binding
+//
+// Exit status: 0 when every test passed, 1 when one failed, 2 when a file or its workspace
+// cannot be used.
 using System;
 using System.Collections.Generic;
 using System.IO;
@@ -17,12 +22,15 @@ public static class OrbelRun {
     }
     var files = new List<string>();
     string saveTo = null;
+    bool isShowOnly = false;
     for (int i = 0; i < args.Length; i++) {
       if (args[i] == "--save") {
         if (i + 1 == args.Length) {
           return Usage("--save needs a file name");
         }
         saveTo = args[++i];
+      } else if (args[i] == "--show") {
+        isShowOnly = true;
       } else if (args[i].StartsWith("-")) {
         return Usage("unknown option " + args[i]);
       } else {
@@ -35,7 +43,21 @@ public static class OrbelRun {
     if (saveTo != null && files.Count != 1) {
       return Usage("--save needs exactly one test file");
     }
+    if (saveTo != null || isShowOnly) {
+      return ShowFiles(files, saveTo);
+    }
+    int status = TestFileRun.AllPassed;
+    foreach (string file in files) {
+      Console.WriteLine();
+      Console.WriteLine("== " + file);
+      CTestBench bench = Load(file);
+      int fileStatus = bench == null ? TestFileRun.Unusable : new TestFileRun(file, bench).Run();
+      status = Math.Max(status, fileStatus);
+    }
+    return status;
+  }
 
+  static int ShowFiles(List<string> files, string saveTo) {
     int failed = 0;
     foreach (string file in files) {
       CTestBench bench = Load(file);
@@ -43,7 +65,7 @@ public static class OrbelRun {
         failed++;
         continue;
       }
-      Show(file, bench);
+      FlatPrinter.Show(file, bench);
       if (saveTo != null) {
         // The library skips a file that it cannot open; tell it here.
         if (File.Exists(saveTo)) {
@@ -55,12 +77,12 @@ public static class OrbelRun {
         failed += isSaved ? 0 : 1;
       }
     }
-    return failed == 0 ? 0 : 1;
+    return failed == 0 ? 0 : TestFileRun.Unusable;
   }
 
   static int Usage(string problem) {
     Console.Error.WriteLine(problem);
-    Console.Error.WriteLine("usage: run [FILE...] [--save OUT] | run --self-check");
+    Console.Error.WriteLine("usage: run [--show] [FILE...] | run FILE --save OUT | run --self-check");
     return 2;
   }
 
@@ -93,119 +115,5 @@ public static class OrbelRun {
       Console.Error.WriteLine(n.ToString().PadLeft(5) + " | " + lines[n - 1]);
     }
     Console.Error.WriteLine(new string(' ', 8 + column) + "^");
-  }
-
-  static void Show(string file, CTestBench bench) {
-    CTestEnvironmentConfig env = bench.getTestEnvironmentConfig();
-    CTestReportConfig report = bench.getTestReportConfig();
-    Console.WriteLine();
-    Console.WriteLine("== " + file);
-    if (!env.isEmpty()) {
-      Console.WriteLine("workspace: " + env.getWorkspace() + ", default return value: " + env.getDefaultReturnValueName());
-    }
-    if (!report.isEmpty()) {
-      bool isYaml = report.getOutputFormat() == CTestReportConfig.EOutputFormat.ofYaml;
-      bool isFull = report.getReportContents() == CTestReportConfig.EReportContents.rcFull;
-      Console.WriteLine("report: " + report.getFileName() + " (" + (isYaml ? "yaml" : "xml") + ", " +
-                        (isFull ? "full" : "errors only") + ")");
-    }
-    CTestSpecification root = bench.getTestSpecification();
-    int shown = ShowTree(root, "", root.isEmptyExceptDerived());
-    Console.WriteLine(shown + " tests, " + CountEnabled(root) + " enabled");
-  }
-
-  // Shows a test and its derived ones; the bench's own root is shown only when it states something.
-  static int ShowTree(CTestSpecification spec, string path, bool isHiddenRoot) {
-    int count = 0;
-    if (!isHiddenRoot) {
-      ShowTest(spec, path);
-      count++;
-    }
-    for (int i = 0; i < spec.getNoOfDerivedSpecs(); i++) {
-      string childPath = path.Length == 0 ? (i + 1).ToString() : path + "." + (i + 1);
-      count += ShowTree(spec.getDerivedTestSpec(i), childPath, false);
-    }
-    return count;
-  }
-
-  static int CountEnabled(CTestSpecification root) {
-    int count = root.getNoOfTests(true);
-    return root.isEmptyExceptDerived() ? count - 1 : count;
-  }
-
-  static void ShowTest(CTestSpecification spec, string path) {
-    CTestSpecification flat = spec.merge();
-    string id = flat.getTestId().Length > 0 ? flat.getTestId() : "(no id)";
-    Console.WriteLine("[" + path + "] " + id + (spec.getRunFlag() ? "" : "   (disabled)"));
-    Line("function", Call(flat.getFunctionUnderTest(), Filled<StrVector>(flat.getPositionParams)));
-    Line("init func", Call(flat.getInitFunction(), null));
-    Line("end func", Call(flat.getEndFunction(), null));
-    Line("locals", Pairs(Filled<StrStrMap>(flat.getLocalVariables)));
-    Line("init", Join(flat.getInitKeys(), Filled<StrVector>(flat.getInitValues), " = "));
-    Line("options", Join(flat.getOptionKeys(), Filled<StrVector>(flat.getOptionValues), " = "));
-    Line("stubs", string.Join("; ", flat.getStubs().Select(Stub)));
-    Line("expect", string.Join("; ", Filled<StrVector>(v => flat.getExpectedResults(v, false))));
-    Line("analyzers", Analyzers(flat));
-  }
-
-  static void Line(string label, string text) {
-    if (!string.IsNullOrEmpty(text)) {
-      Console.WriteLine("      " + label.PadRight(10) + ": " + text);
-    }
-  }
-
-  // "rv = f(a, b)"; the function's own parameters when `parameters` is null.
-  static string Call(CTestFunction function, StrVector parameters) {
-    if (function.isEmpty()) {
-      return "";
-    }
-    if (parameters == null) {
-      parameters = Filled<StrVector>(function.getPositionParams);
-    }
-    string ret = function.getRetValueName();
-    return (ret.Length > 0 ? ret + " = " : "") + function.getName() + "(" + string.Join(", ", parameters) + ")";
-  }
-
-  static string Stub(CTestStub stub) {
-    string text = stub.getFunctionName();
-    string ret = stub.getRetValName();
-    if (ret.Length > 0) {
-      text += " -> " + ret;
-    }
-    string assignments = Join(stub.getAssignmentKeys(), Filled<StrVector>(stub.getAssignmentValues), " = ");
-    return assignments.Length > 0 ? text + " {" + assignments + "}" : text;
-  }
-
-  static string Analyzers(CTestSpecification flat) {
-    var used = new List<string>();
-    if (!flat.getTrace().isEmpty() && flat.getTrace().getRunMode() != CTestTrace.ERunMode.rmOff) {
-      used.Add("trace " + flat.getTrace().getDocumentFileName());
-    }
-    if (!flat.getCoverage().isEmpty() && flat.getCoverage().getRunMode() != CTestCoverage.ERunMode.rmOff) {
-      used.Add("coverage " + flat.getCoverage().getDocumentFileName());
-    }
-    if (!flat.getProfiler().isEmpty() && flat.getProfiler().getRunMode() != CTestProfiler.ERunMode.rmOff) {
-      used.Add("profiler " + flat.getProfiler().getOutputFileName());
-    }
-    if (!flat.getHIL().isEmpty()) {
-      CTestHIL hil = flat.getHIL();
-      used.Add("hil " + Join(hil.getHILParamKeys(), Filled<StrVector>(hil.getHILParamValues), " = "));
-    }
-    return string.Join(", ", used);
-  }
-
-  // A container filled by one of the library's getters.
-  static T Filled<T>(Action<T> fill) where T : new() {
-    var container = new T();
-    fill(container);
-    return container;
-  }
-
-  static string Pairs(StrStrMap map) {
-    return string.Join("; ", map.Keys.Select(k => k + ": " + map[k]));
-  }
-
-  static string Join(StrVector keys, StrVector values, string separator) {
-    return string.Join("; ", keys.Zip(values, (k, v) => k + separator + v));
   }
 }

@@ -1,8 +1,11 @@
 #include "CTestCaseController.h"
 
+#include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <cstring>
 #include <limits>
+#include <thread>
 #include <vector>
 
 #include "CLogger.h"
@@ -14,7 +17,6 @@
 #include "IllegalStateException.h"
 #include "OrbelTest.h"
 #include "OrbelTestFlags.h"
-#include "Platform.h"
 #include "Stopwatch.h"
 
 namespace kestrix {
@@ -28,6 +30,8 @@ const DWORD ERROR_TEXT_SIZE = 1000;
 const DWORD RESULT_SIZE = 1024;
 // Stopwatch units (100 ns) in a millisecond.
 const int64_t UNITS_PER_MS = 10000;
+// The first pause of waitUntilStopped.
+const int FIRST_POLL_US = 20;
 
 /// Adds the failure's data items in their fixed order and throws.
 template <class E>
@@ -267,12 +271,17 @@ bool CTestCaseController::waitUntilStopped(int timeout, DWORD pollingInterval)
     if (CLogger* logger = getLogger()) {
         logger->logf(instanceId, "kestrix::CTestCaseController::waitUntilStopped", "iD", timeout, pollingInterval);
     }
+    // Most functions under test return within microseconds: the first polls come quickly, then
+    // the pause doubles up to the polling interval.
+    const auto longest = std::chrono::microseconds(std::max<DWORD>(pollingInterval, 1) * 1000ULL);
+    auto pause = std::min(std::chrono::microseconds(FIRST_POLL_US), longest);
     DWORD state = getStatus(OrbelTestFlags::tskTestState);
     while (state == OrbelTestFlags::stateRunning) {
         if (timeout > 0 && stopwatch.getTime() / UNITS_PER_MS > timeout) {
             return false;
         }
-        platform::sleep(pollingInterval);
+        std::this_thread::sleep_for(pause);
+        pause = std::min(pause * 2, longest);
         state = getStatus(OrbelTestFlags::tskTestState);
     }
     return true;

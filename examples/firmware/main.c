@@ -2,10 +2,13 @@
 #include "adc.h"
 #include "ring_buffer.h"
 #include "sensor_filter.h"
+#include "telemetry.h"
 #include "uart.h"
 
 volatile int g_level;
 ring_t g_uart_tx;
+/* Checksum of the node's name, sent with every telemetry frame. */
+volatile uint8_t g_name_sum;
 
 static void report(int level)
 {
@@ -20,6 +23,7 @@ int main(void)
 {
     rb_init(&g_uart_tx, RB_CAPACITY);
     filter_init();
+    g_name_sum = checksum("sensor node");
     for (;;) {
         g_level = filter_step(adc_read(SENSOR_CHANNEL));
         report(g_level);

@@ -1,12 +1,18 @@
 #include "CTestCase.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "CDebugFacade.h"
 #include "CIDEController.h"
 #include "CStringStream.h"
 #include "CTestEnvironmentConfig.h"
 #include "ConnectionMgr.h"
 #include "CTestCaseController.h"
+#include "CTestCoverage.h"
+#include "CTestCoverageStatistics.h"
 #include "CTestFunction.h"
+#include "CTestProfiler.h"
 #include "CTestSpecification.h"
 #include "CTestStubController.h"
 #include "CUtil.h"
@@ -211,6 +217,9 @@ void CTestCase::runInitializedTest(std::shared_ptr<CTestSpecification> spec, Str
     callInitFunction(spec->getInitFunction());
     callFunctionUnderTest(spec->getStubs(), ctrl);
     callEndFunction(spec->getEndFunction());
+    coverageResults.clear();
+    profilerCodeResults.clear();
+    profilerDataResults.clear();
     StrVector expected;
     spec->getExpectedResults(expected, false);
     verifyResults(expected, results, true, ctrl);
@@ -518,6 +527,89 @@ void CTestCase::evalSubExpressions(StrVector& names, const StrVector& formats, c
             // An operand that does not evaluate is left out.
         }
     }
+}
+
+CTestResult CTestCase::getTestResults(std::shared_ptr<CTestSpecification> spec, const StrVector& expressionResults,
+                                      const CTestCoverage& coverage, const CoverageStatisticMap& coverageResults,
+                                      const CTestProfiler& profiler, const ProfilerStatisticMap& profilerCodeResults,
+                                      const ProfilerStatisticVectorMap& profilerDataResults)
+{
+    StrCoverageTestResultsMap coverageJudged;
+    if (coverage.getRunMode() != CTestCoverage::rmOff) {
+        for (int i = 0; i < coverage.getStatisticsSize(); ++i) {
+            const CTestCoverageStatistics& expected = *coverage.getStatistics(i);
+            const auto measured = coverageResults.find(expected.getFunctionName());
+            coverageJudged[expected.getFunctionName()] =
+                CCoverageTestResult(CCoverageTestExpected(expected),
+                                    measured == coverageResults.end() ? CCoverageStatistic() : measured->second);
+        }
+    }
+    StrProfilerTestResultsMap codeJudged;
+    for (const auto& area : profiler.getCodeAreas()) {
+        const auto measured = profilerCodeResults.find(area->getAreaName());
+        codeJudged[area->getAreaName()] = CProfilerTestResult(
+            *area, measured == profilerCodeResults.end() ? CProfilerStatistic() : measured->second, true);
+    }
+    return CTestResult(std::move(spec), expressionResults, coverageJudged, codeJudged,
+                       judgeDataAreas(profiler.getDataAreas(), profilerDataResults));
+}
+
+StrProfilerTestResultsVectorMap CTestCase::judgeDataAreas(const ProfilerAreasVector& areas,
+                                                          const ProfilerStatisticVectorMap& measured)
+{
+    StrProfilerTestResultsVectorMap judged;
+    for (const auto& [variable, entries] : measured) {
+        ProfilerTestResultsVector& results = judged[variable];
+        for (const CProfilerStatistic& entry : entries) {
+            const CProfilerArea* area = findDataArea(areas, variable, true, entry.getValue());
+            if (area != nullptr) {
+                results.emplace_back(*area, entry, false);
+                continue;
+            }
+            area = findDataArea(areas, variable, false, 0);
+            if (area == nullptr) {
+                continue;
+            }
+            auto withoutValue = std::find_if(results.begin(), results.end(),
+                                             [](const CProfilerTestResult& r) { return !r.isValueSet(); });
+            if (withoutValue != results.end()) {
+                withoutValue->addMeasuredResults(entry);
+            } else {
+                results.emplace_back(*area, entry, false);
+            }
+        }
+    }
+    // Expected values that never occurred.
+    for (const auto& area : areas) {
+        ProfilerTestResultsVector& results = judged[area->getAreaName()];
+        const bool isFound = std::any_of(results.begin(), results.end(), [&](const CProfilerTestResult& r) {
+            return r.isValueSet() == area->isAreaValueSet() &&
+                   (!r.isValueSet() || r.getValue() == area->getAreaValue());
+        });
+        if (!isFound) {
+            results.emplace_back(*area, false);
+        }
+    }
+    // A measured variable that no area names leaves no list.
+    for (auto it = judged.begin(); it != judged.end();) {
+        it = it->second.empty() ? judged.erase(it) : std::next(it);
+    }
+    return judged;
+}
+
+const CProfilerArea* CTestCase::findDataArea(const ProfilerAreasVector& areas, const std::string& name,
+                                              bool isWithValue, long long value)
+{
+    for (const auto& area : areas) {
+        if (area->getAreaName() != name || area->isAreaValueSet() != isWithValue) {
+            continue;
+        }
+        // The target records 32-bit values: an expected -1 matches 0xffffffff.
+        if (!isWithValue || static_cast<DWORD>(area->getAreaValue()) == static_cast<DWORD>(value)) {
+            return area.get();
+        }
+    }
+    return nullptr;
 }
 
 } // namespace kestrix

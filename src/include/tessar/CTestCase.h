@@ -3,6 +3,10 @@
 #include <memory>
 #include <string>
 
+#include "CCoverageStatistic.h"
+#include "CProfilerStatistic.h"
+#include "CTestProfiler.h"
+#include "CTestResult.h"
 #include "CTestStub.h"
 #include "Containers.h"
 #include "OrbelTypes.h"
@@ -14,7 +18,9 @@ class CIDEController;
 class CTestEnvironmentConfig;
 class ConnectionMgr;
 class CTestCaseController;
+class CTestCoverage;
 class CTestFunction;
+class CTestProfiler;
 class CTestSpecification;
 class CTestStubController;
 class ICustomFunctions;
@@ -80,10 +86,28 @@ public:
     void evalSubExpressions(StrVector& names, const StrVector& formats, const std::string& expression,
                             StrStrMap& values, DWORD formatIndex, std::shared_ptr<CTestCaseController> ctrl);
 
+    /// Joins a run's expression messages and measured analyzer values with what the specification
+    /// expects into one judged result.
+    CTestResult getTestResults(std::shared_ptr<CTestSpecification> spec, const StrVector& expressionResults,
+                               const CTestCoverage& coverage, const CoverageStatisticMap& coverageResults,
+                               const CTestProfiler& profiler, const ProfilerStatisticMap& profilerCodeResults,
+                               const ProfilerStatisticVectorMap& profilerDataResults);
+
+    /// Measured analyzer values of the last run, replaced by each run.
+    const CoverageStatisticMap& getCachedCoverageResults() const { return coverageResults; }
+    const ProfilerStatisticMap& getCachedProfilerCodeResults() const { return profilerCodeResults; }
+    const ProfilerStatisticVectorMap& getCachedProfilerDataResults() const { return profilerDataResults; }
+
 private:
     /// The variable name of the parameter at `index`.
     static std::string positionParamName(size_t index);
     static void checkAnalyzers(CTestSpecification& spec);
+    /// Measured data values matched with the data areas that expect them.
+    static StrProfilerTestResultsVectorMap judgeDataAreas(const ProfilerAreasVector& areas,
+                                                          const ProfilerStatisticVectorMap& measured);
+    /// The first data area of `name` with (and then of `value`) or without a value; null if none.
+    static const CProfilerArea* findDataArea(const ProfilerAreasVector& areas, const std::string& name,
+                                             bool isWithValue, long long value);
     /// Steps of a run from the values on, with the test initialized.
     void runInitializedTest(std::shared_ptr<CTestSpecification> spec, StrVector& results,
                             std::shared_ptr<CTestCaseController> ctrl);
@@ -95,6 +119,9 @@ private:
     std::shared_ptr<ConnectionMgr> connectionMgr;
     std::shared_ptr<CDebugFacade> debug;
     std::shared_ptr<CIDEController> ideController;
+    CoverageStatisticMap coverageResults;
+    ProfilerStatisticMap profilerCodeResults;
+    ProfilerStatisticVectorMap profilerDataResults;
 };
 
 } // namespace kestrix
