@@ -12,6 +12,13 @@ public sealed class TestFileRun {
   public const int SomeFailed = 1;
   public const int Unusable = 2;
 
+  // A test of the tree, merged with those it inherits from.
+  sealed class Test {
+    public string Path;
+    public CTestSpecification Flat;
+    public bool IsRun;
+  }
+
   readonly string file;
   readonly CTestBench bench;
   readonly List<TestOutcome> outcomes = new List<TestOutcome>();
@@ -46,11 +53,11 @@ public sealed class TestFileRun {
         return Unusable;
       }
       CTestSpecification root = bench.getTestSpecification();
-      var tests = new List<KeyValuePair<string, CTestSpecification>>();
+      var tests = new List<Test>();
       CollectTests(root, "", root.isEmptyExceptDerived(), tests);
       total = tests.Count;
       foreach (var test in tests) {
-        TestOutcome outcome = runner.Run(test.Value, test.Key);
+        TestOutcome outcome = runner.Run(test.Flat, test.Path, test.IsRun);
         outcomes.Add(outcome);
         Print(outcome);
       }
@@ -79,11 +86,11 @@ public sealed class TestFileRun {
   // root is a test only when it states something of its own; a node with no function under test,
   // even inherited, only groups the tests below it.
   static void CollectTests(CTestSpecification spec, string path, bool isHiddenRoot,
-                           List<KeyValuePair<string, CTestSpecification>> tests) {
+                           List<Test> tests) {
     if (!isHiddenRoot) {
       CTestSpecification flat = spec.merge();
       if (flat.getFunctionUnderTest().getName().Length > 0) {
-        tests.Add(new KeyValuePair<string, CTestSpecification>(path, flat));
+        tests.Add(new Test { Path = path, Flat = flat, IsRun = spec.getRunFlag() });
       }
     }
     for (int i = 0; i < spec.getNoOfDerivedSpecs(); i++) {

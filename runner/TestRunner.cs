@@ -25,11 +25,12 @@ public sealed class TestRunner : IDisposable {
 
   public CTestCase TestCase { get { return testCase; } }
 
-  /// Runs a flat specification (one merged with those it inherits from) and judges it. A failed
-  /// run is a result with the failure's text; nothing leaves as an exception.
-  public TestOutcome Run(CTestSpecification flat, string path) {
+  /// Runs a flat specification (one merged with those it inherits from) and judges it; `isRun` is
+  /// the run flag of the test itself, which merging does not keep. A failed run is a result with
+  /// the failure's text; nothing leaves as an exception.
+  public TestOutcome Run(CTestSpecification flat, string path, bool isRun) {
     var outcome = new TestOutcome(flat, path);
-    if (!flat.getRunFlag()) {
+    if (!isRun) {
       return outcome;
     }
     ApplyDefaultRetValName(flat);

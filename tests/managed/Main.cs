@@ -12,6 +12,7 @@ public static class ManagedTestMain {
     DebugTests.Run();
     IdeTests.Run();
     TestRunTests.Run();
+    RunnerTests.Run();
     return Check.Result("managed tests");
   }
 }
