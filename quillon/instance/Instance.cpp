@@ -38,6 +38,7 @@ Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std:
         m_options.setDefault(setting.path, setting.value);
     }
     m_debug.setExpressionEngine(&m_expressions);
+    m_debug.setOptions(&m_options);
     m_test = std::make_unique<services::TestService>(
         *m_target, [this] { return m_options.integer(services::OptionTree::kMaxInstructions); },
         [this] { return firstDebugInfo(); });

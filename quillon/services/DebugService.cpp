@@ -1,6 +1,7 @@
 #include "services/DebugService.h"
 
 #include <cstdio>
+#include <filesystem>
 
 #include "services/ServiceError.h"
 #include "target/TargetError.h"
@@ -8,6 +9,9 @@
 namespace quillon::services {
 
 namespace {
+
+// How long a download waits for the startup code to reach main.
+constexpr std::chrono::seconds kStopAtMainTimeout{5};
 
 ServiceError::Kind kindOf(target::TargetError::Kind kind)
 {
@@ -77,6 +81,31 @@ void DebugService::load(const std::vector<std::string>& files, std::uint32_t cod
     m_target.waitUntilStopped();
     m_symbols.setPrograms(m_loader.download(files, codeOffset));
     m_run.clearCause();
+    if (m_options != nullptr && m_options->flag(OptionTree::kStopAtMain)) {
+        stopAtMain();
+    }
+}
+
+// A program without `main`, or startup code that never reaches it within the time, leaves the core where it is.
+void DebugService::stopAtMain()
+{
+    std::uint32_t main = 0;
+    try {
+        main = m_symbols.functionBreakpointAddress("main");
+    } catch (const ServiceError&) {
+        return;
+    }
+    m_run.runUntil(main);
+    if (!m_run.waitUntilStopped(kStopAtMainTimeout)) {
+        m_run.stop();
+        m_run.waitUntilStopped(kStopAtMainTimeout);
+    }
+}
+
+void DebugService::setOptions(const OptionTree* options)
+{
+    std::lock_guard lock(m_mutex);
+    m_options = options;
 }
 
 void DebugService::download()
@@ -284,7 +313,12 @@ void DebugService::stop()
 void DebugService::reset()
 {
     m_run.stop(); // a step in progress ends before the lock is free
-    serialized("reset", [&] { m_run.reset(); });
+    serialized("reset", [&] {
+        m_run.reset();
+        if (m_options != nullptr && !m_options->flag(OptionTree::kStopOnReset)) {
+            m_run.run();
+        }
+    });
 }
 
 void DebugService::setExecutionPoint(std::uint8_t area, std::uint32_t address)
@@ -460,7 +494,30 @@ std::optional<std::string> DebugService::functionAt(std::uint32_t address) const
 
 std::optional<debuginfo::LineTable::SourceLine> DebugService::sourceLineAt(std::uint32_t address) const
 {
-    return serialized("source line at " + hex(address), [&] { return m_symbols.lineAt(address); });
+    return serialized("source line at " + hex(address), [&] {
+        auto line = m_symbols.lineAt(address);
+        if (line) {
+            line->file = locateSource(line->file);
+        }
+        return line;
+    });
+}
+
+std::string DebugService::locateSource(const std::string& file) const
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    if (m_options == nullptr || fs::exists(file, error)) {
+        return file;
+    }
+    const fs::path name = fs::path(file).filename();
+    for (const std::string& folder : m_options->list(OptionTree::kSourcePaths)) {
+        const fs::path candidate = fs::path(folder) / name;
+        if (fs::exists(candidate, error)) {
+            return candidate.string();
+        }
+    }
+    return file;
 }
 
 std::vector<std::uint32_t> DebugService::addressesOfLine(const std::string& file, unsigned line) const

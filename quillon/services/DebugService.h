@@ -14,6 +14,7 @@
 #include "services/DownloadLists.h"
 #include "services/ExpressionEngine.h"
 #include "services/Loader.h"
+#include "services/OptionTree.h"
 #include "services/RunController.h"
 #include "services/SymbolIndex.h"
 #include "target/Target.h"
@@ -29,6 +30,10 @@ namespace quillon::services {
 /// Download: each download (the configured list, a list, one file) replaces the programs that symbols and lines
 /// come from by the files it loads, in their order; it stops a running core first and resets it afterwards.
 /// Breakpoints stay at their addresses.
+///
+/// Options (setOptions), read when they apply: StopOnReset (0: a reset runs the core on), StopAtMain (a download
+/// ends with the core run to `main`), SourcePaths (where sourceLineAt finds a source file that is not where the
+/// debug information says). Without options the core stops on reset, a download at the reset handler.
 class DebugService {
 public:
     /// The address flags of findSymbol.
@@ -42,6 +47,8 @@ public:
     DebugService& operator=(const DebugService&) = delete;
 
     void setExpressionEngine(ExpressionEngine* expressions);
+    /// The instance's options; null for the defaults. They must outlive the service.
+    void setOptions(const OptionTree* options);
 
     // Download.
     /// The configured download: every file of list 0.
@@ -120,10 +127,14 @@ private:
     std::function<bool()> compileCondition(const std::string& condition);
     ExpressionEngine& expressions(const std::string& operation);
     void load(const std::vector<std::string>& files, std::uint32_t codeOffset);
+    void stopAtMain();
+    /// The file itself if it exists, else the first source path's file of that name; else the file.
+    std::string locateSource(const std::string& file) const;
 
     target::Target& m_target;
     mutable std::mutex m_mutex; ///< serializes all but stop, status and waits
     ExpressionEngine* m_expressions;
+    const OptionTree* m_options = nullptr;
     DownloadLists m_lists;
     SymbolIndex m_symbols;
     Loader m_loader;
