@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "target/Engine.h"
+#include "target/ExecutionObserver.h"
 #include "target/Hex.h"
 #include "target/TargetError.h"
 
@@ -46,13 +47,30 @@ std::string exceptionText(int number)
 
 // The engine's callbacks. They run on the engine's thread while the engine is locked, and never throw.
 struct TargetHooks {
-    static void onInstruction(uc_engine*, uint64_t address, uint32_t, void* user) noexcept
+    static void onInstruction(uc_engine*, uint64_t address, uint32_t size, void* user) noexcept
     {
         auto* t = static_cast<Target*>(user);
         uint64_t n = t->m_cycles.load(std::memory_order_relaxed) + 1;
         t->m_cycles.store(n, std::memory_order_relaxed);
         if (n > t->m_limit.load(std::memory_order_relaxed)) {
             t->stopBefore(static_cast<uint32_t>(address));
+            return; // the instruction does not execute now
+        }
+        if (!t->m_observers.empty()) {
+            t->flushObserved();
+            t->m_observed = {static_cast<uint32_t>(address), size, n, true};
+        }
+    }
+
+    static void onWrite(uc_engine*, uc_mem_type, uint64_t address, int size, int64_t value, void* user) noexcept
+    {
+        auto* t = static_cast<Target*>(user);
+        t->flushObserved(); // the writing instruction runs: observers see it first
+        const uint64_t bits = size >= 8 ? static_cast<uint64_t>(value)
+                                        : static_cast<uint64_t>(value) & ((uint64_t{1} << (8 * size)) - 1);
+        const uint64_t cycle = t->m_cycles.load(std::memory_order_relaxed);
+        for (ExecutionObserver* observer : t->m_writeObservers) {
+            observer->onWrite(static_cast<uint32_t>(address), static_cast<uint32_t>(size), bits, cycle);
         }
     }
 
@@ -129,7 +147,6 @@ Target::Target(const TargetConfig& config)
     m_engine->addCodeHook(&TargetHooks::onInstruction, this, 1, 0);
     m_engine->addHook(UC_HOOK_MEM_INVALID, reinterpret_cast<void*>(&TargetHooks::onMemoryFault), this);
     m_engine->addHook(UC_HOOK_INTR, reinterpret_cast<void*>(&TargetHooks::onException), this);
-    // Observers of executed blocks (coverage, profiler) will hook in here, per block, only while they run.
 }
 
 Target::~Target()
@@ -219,6 +236,62 @@ void Target::dropTranslationsOfCode(uint64_t begin, uint64_t end)
             m_engine->dropTranslations(from, to);
         }
     }
+}
+
+void Target::addObserver(ExecutionObserver* observer, bool watchWrites)
+{
+    if (observer == nullptr) {
+        throw TargetError(TargetError::Kind::InvalidArgument, "no observer given");
+    }
+    withStoppedEngine([&] {
+        if (std::find(m_observers.begin(), m_observers.end(), observer) == m_observers.end()) {
+            m_observers.push_back(observer);
+        }
+        if (watchWrites && std::find(m_writeObservers.begin(), m_writeObservers.end(), observer) == m_writeObservers.end()) {
+            m_writeObservers.push_back(observer);
+            updateWriteHook();
+        }
+    });
+}
+
+void Target::removeObserver(ExecutionObserver* observer)
+{
+    withStoppedEngine([&] {
+        m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), observer), m_observers.end());
+        m_writeObservers.erase(std::remove(m_writeObservers.begin(), m_writeObservers.end(), observer),
+                               m_writeObservers.end());
+        updateWriteHook();
+    });
+}
+
+// Observers hear of an instruction once the next one comes, a write of it, or the end of the slice, so that an
+// instruction that a later hook at its address stops before is never reported.
+void Target::flushObserved()
+{
+    if (!m_observed.pending) {
+        return;
+    }
+    m_observed.pending = false;
+    for (ExecutionObserver* observer : m_observers) {
+        observer->onInstruction(m_observed.address, m_observed.size, m_observed.cycle);
+    }
+}
+
+// The write hook costs on every store: it is there only while someone watches writes. Translated code has the
+// hooks of its time compiled in, so it is dropped on each change.
+void Target::updateWriteHook()
+{
+    const bool isWanted = !m_writeObservers.empty();
+    if (isWanted == m_writeHook.has_value()) {
+        return;
+    }
+    if (isWanted) {
+        m_writeHook = m_engine->addHook(UC_HOOK_MEM_WRITE, reinterpret_cast<void*>(&TargetHooks::onWrite), this);
+    } else {
+        m_engine->removeHook(*m_writeHook);
+        m_writeHook.reset();
+    }
+    dropTranslationsOfCode(0, uint64_t{1} << 32);
 }
 
 uint32_t Target::readRegister(Register reg) const
@@ -484,6 +557,11 @@ std::optional<StopInfo> Target::runSlice(uint64_t slice)
     }
     m_pc.store(pc);
     auto stop = classify(err, pc);
+    // An instruction that a hook stopped before, or a bkpt, was taken back from the count: it did not run.
+    if (m_observed.pending && m_observed.cycle > m_cycles.load()) {
+        m_observed.pending = false;
+    }
+    flushObserved();
     if (!stop && m_cycles.load() == before && pc == from) {
         StopInfo info;
         info.reason = StopReason::Fault;

@@ -25,6 +25,7 @@
 namespace quillon::target {
 
 class Engine;
+class ExecutionObserver;
 struct TargetHooks;
 
 /// The simulated Cortex-M core: memory, registers, reset, breakpoints and run control on one Unicorn engine.
@@ -106,6 +107,11 @@ public:
     uint64_t cycles() const { return m_cycles.load(std::memory_order_relaxed); }
     double simulatedSeconds() const;
 
+    /// Adds an observer of executed instructions and, with `watchWrites`, of memory writes; not owned, it must stay
+    /// until removed. Only while the target is stopped; adding one twice changes nothing.
+    void addObserver(ExecutionObserver* observer, bool watchWrites = false);
+    void removeObserver(ExecutionObserver* observer);
+
     /// Host time a run spends on the caller's thread before the run thread takes over (default 5 ms).
     void setHostBudget(std::chrono::microseconds budget) { m_budget.store(budget.count()); }
 
@@ -155,6 +161,8 @@ private:
     void finishRun(const StopInfo& info);
     void stopBefore(uint32_t address);
     void dropTranslationsOfCode(uint64_t begin, uint64_t end);
+    void updateWriteHook();
+    void flushObserved();
 
     CpuModel m_cpu;
     uint64_t m_clockHz;
@@ -180,6 +188,17 @@ private:
         size_t hook;
     };
     std::map<uint32_t, BreakpointEntry> m_breakpoints;
+    std::vector<ExecutionObserver*> m_observers;
+    std::vector<ExecutionObserver*> m_writeObservers;
+    std::optional<size_t> m_writeHook;
+    /// The latest instruction, reported to the observers once it is known to have run.
+    struct Observed {
+        uint32_t address = 0;
+        uint32_t size = 0;
+        uint64_t cycle = 0;
+        bool pending = false;
+    };
+    Observed m_observed;
     std::optional<uint32_t> m_returnAddress;
     std::optional<uint32_t> m_stoppedAtBreakpoint; ///< where the last run stopped by a breakpoint hook
     Run m_run;

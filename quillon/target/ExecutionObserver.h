@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+
+namespace quillon::target {
+
+/// Watches what the core executes and writes while a run goes on: coverage, profiler and trace recorders.
+/// Callbacks come on the engine's thread, in execution order, and must not throw. They may read registers and
+/// memory through the Target (the engine is theirs during the callback) but not run, stop or change hooks.
+class ExecutionObserver {
+public:
+    virtual ~ExecutionObserver() = default;
+
+    /// Before the instruction of `size` bytes at `address` executes; `cycle` is its number in the target's cycle
+    /// count (the first instruction after a reset is cycle 1).
+    virtual void onInstruction(std::uint32_t address, std::uint32_t size, std::uint64_t cycle) = 0;
+    /// After the instruction at `cycle` wrote `size` bytes (1, 2, 4 or 8) of `value` (little-endian, zero-extended)
+    /// at `address`; only for observers added with writes watched.
+    virtual void onWrite(std::uint32_t address, std::uint32_t size, std::uint64_t value, std::uint64_t cycle)
+    {
+        (void)address;
+        (void)size;
+        (void)value;
+        (void)cycle;
+    }
+};
+
+} // namespace quillon::target
