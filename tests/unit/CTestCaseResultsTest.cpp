@@ -195,9 +195,9 @@ TEST(CTestCaseResultsTest, ExpectedValuesMatchOnTheirLow32Bits)
         {"0x10", 10, false},
     };
     for (const auto& c : cases) {
-        const CTestResult result =
-            judge(std::string("{func: [add], profiler: {dataAreas: [{name: v, value: ") + c.expected + ", hits: [1, 1]}]}}",
-                  {{}, {}, {{"v", {value(c.measured, 1)}}}});
+        const std::string spec =
+            std::string("{func: [add], profiler: {dataAreas: [{name: v, value: ") + c.expected + ", hits: [1, 1]}]}}";
+        const CTestResult result = judge(spec, {{}, {}, {{"v", {value(c.measured, 1)}}}});
         StrProfilerTestResultsVectorMap data = dataOf(result);
         ASSERT_EQ(1u, data["v"].size()) << c.expected;
         const CProfilerTestResult& judged = data["v"][0];
