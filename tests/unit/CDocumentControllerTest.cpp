@@ -125,22 +125,22 @@ TEST_F(DocumentControllerTest, InstanceIdsComeFromTheLastPartOfTheFileName)
 TEST_F(DocumentControllerTest, EachOperationSendsItsFlagWordAndIsLogged)
 {
     const OperationCase cases[] = {
-        {"start", [](CDocumentController& d) { d.start(); }, "0x10000000, d.trd, NULL, 0", "doc.start();"},
-        {"stop", [](CDocumentController& d) { d.stop(); }, "0x20000000, d.trd, NULL, 0", "doc.stop();"},
-        {"resume", [](CDocumentController& d) { d.resume(); }, "0x40000000, d.trd, NULL, 0", "doc.resume();"},
-        {"close", [](CDocumentController& d) { d.close(); }, "0x1, d.trd, NULL, 0", "doc.close();"},
+        {"start", [](CDocumentController& d) { d.start(); }, "0x10000000, d.trd, NULL, 0", "start();"},
+        {"stop", [](CDocumentController& d) { d.stop(); }, "0x20000000, d.trd, NULL, 0", "stop();"},
+        {"resume", [](CDocumentController& d) { d.resume(); }, "0x40000000, d.trd, NULL, 0", "resume();"},
+        {"close", [](CDocumentController& d) { d.close(); }, "0x1, d.trd, NULL, 0", "close();"},
         {"closeDiscard", [](CDocumentController& d) { d.closeDiscard(); }, "0xB, d.trd, NULL, 0",
-         "doc.closeDiscard();"},
-        {"closeAll", [](CDocumentController& d) { d.closeAll(); }, "0x2, d.trd, NULL, 0", "doc.closeAll();"},
+         "closeDiscard();"},
+        {"closeAll", [](CDocumentController& d) { d.closeAll(); }, "0x2, d.trd, NULL, 0", "closeAll();"},
         {"reset", [](CDocumentController& d) { d.reset(0xFFFFFFFF); }, "0xA0000000, d.trd, NULL, 4294967295",
-         "doc.reset(4294967295);"},
-        {"save", [](CDocumentController& d) { d.save(); }, "0x3, d.trd, NULL, 0", "doc.save();"},
+         "reset(4294967295);"},
+        {"save", [](CDocumentController& d) { d.save(); }, "0x3, d.trd, NULL, 0", "save();"},
         {"saveAsPrompt", [](CDocumentController& d) { d.saveAsPrompt(); }, "0x5, d.trd, NULL, 0",
-         "doc.saveAsPrompt();"},
-        {"setMarker", [](CDocumentController& d) { d.setMarker(5); }, "0x10000, d.trd, NULL, 5", "doc.setMarker(5);"},
+         "saveAsPrompt();"},
+        {"setMarker", [](CDocumentController& d) { d.setMarker(5); }, "0x10000, d.trd, NULL, 5", "setMarker(5);"},
         {"clearMarker", [](CDocumentController& d) { d.clearMarker(); }, "0x20000, d.trd, NULL, 0",
-         "doc.clearMarker();"},
-        {"setFocus", [](CDocumentController& d) { d.setFocus(2); }, "0x40000, d.trd, NULL, 2", "doc.setFocus(2);"},
+         "clearMarker();"},
+        {"setFocus", [](CDocumentController& d) { d.setFocus(2); }, "0x40000, d.trd, NULL, 2", "setFocus(2);"},
     };
     startLogger();
     CDocumentController document(mgr(), "d.trd", "r");

@@ -18,8 +18,11 @@ public:
     virtual IVectorEnumMaps* Enum() = 0;
     virtual DWORD Container() = 0;
 
+#ifndef SWIG
+    // Released by its owner, never deleted through this interface.
 protected:
     ~IDataDescriptor() = default;
+#endif
 };
 
 } // namespace kestrix

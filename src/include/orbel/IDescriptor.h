@@ -12,8 +12,11 @@ class IDescriptor : public IUnknown {
 public:
     virtual IVectorVariableDescriptors* VariableDescriptors() = 0;
 
+#ifndef SWIG
+    // Released by its owner, never deleted through this interface.
 protected:
     ~IDescriptor() = default;
+#endif
 };
 
 } // namespace kestrix

@@ -9,8 +9,11 @@ class IElementDescriptor : public IItemDescriptor {
 public:
     virtual DWORD Offset() = 0;
 
+#ifndef SWIG
+    // Released by its owner, never deleted through this interface.
 protected:
     ~IElementDescriptor() = default;
+#endif
 };
 
 } // namespace kestrix

@@ -12,8 +12,11 @@ public:
     virtual const char* Info() = 0;
     virtual DWORD Options() = 0;
 
+#ifndef SWIG
+    // Released by its owner, never deleted through this interface.
 protected:
     ~IEnumMap() = default;
+#endif
 };
 
 } // namespace kestrix

@@ -9,8 +9,11 @@ class IVariableDescriptor : public IItemDescriptor {
 public:
     virtual DWORD Data() = 0;
 
+#ifndef SWIG
+    // Released by its owner, never deleted through this interface.
 protected:
     ~IVariableDescriptor() = default;
+#endif
 };
 
 } // namespace kestrix

@@ -13,8 +13,11 @@ public:
     /// Null for an index outside the list.
     virtual IElementDescriptor* at(DWORD index) = 0;
 
+#ifndef SWIG
+    // Released by its owner, never deleted through this interface.
 protected:
     ~IVectorElementDescriptors() = default;
+#endif
 };
 
 } // namespace kestrix

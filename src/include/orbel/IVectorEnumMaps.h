@@ -13,8 +13,11 @@ public:
     /// Null for an index outside the list.
     virtual IEnumMap* at(DWORD index) = 0;
 
+#ifndef SWIG
+    // Released by its owner, never deleted through this interface.
 protected:
     ~IVectorEnumMaps() = default;
+#endif
 };
 
 } // namespace kestrix

@@ -13,8 +13,11 @@ public:
     /// Null for an index outside the list.
     virtual IVariableDescriptor* at(DWORD index) = 0;
 
+#ifndef SWIG
+    // Released by its owner, never deleted through this interface.
 protected:
     ~IVectorVariableDescriptors() = default;
+#endif
 };
 
 } // namespace kestrix
