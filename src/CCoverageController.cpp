@@ -20,6 +20,18 @@ const char* const CONFIGURATION_FAILED = "Can not set configuration!";
 /// Room for the text of the document's last error.
 const DWORD ERROR_TEXT_SIZE = 1000;
 
+/// Throws `e` with the data items of a failed coverage call; `info` only where given.
+template <class E>
+[[noreturn]] void raise(E e, const std::string* info, const std::string& stdError, const std::string& orbelErr,
+                        const std::string& fileName)
+{
+    if (info != nullptr) {
+        e.add("info", *info);
+    }
+    e.add("stdError", stdError).add("orbelErr", orbelErr).add("fileName", fileName);
+    throw e;
+}
+
 } // namespace
 
 CCoverageController::CCoverageController(std::shared_ptr<ConnectionMgr> connectionMgr, const std::string& fileName,
@@ -319,32 +331,21 @@ void CCoverageController::check(HRESULT hr, const std::string& message)
     if (getOrbelCoverage()->GetLastError(m_fileName.c_str(), 0, &errorClass, buffer.data(), ERROR_TEXT_SIZE) ==
         S_OK) {
         text = buffer.data();
+    } else {
+        // What a failed call left in the class says nothing.
+        errorClass = F::cecNone;
     }
     const std::string stdError = getResultText(hr);
     switch (errorClass) {
     case F::cecNone:
-        throw IllegalStateException(KX_POS, "kestrix.test call failed, but GetLastError() didn't return error code!")
-            .add("info", message)
-            .add("stdError", stdError)
-            .add("orbelErr", text)
-            .add("fileName", m_fileName);
+        raise(IllegalStateException(KX_POS, "kestrix.test call failed, but GetLastError() didn't return error code!"),
+              &message, stdError, text, m_fileName);
     case F::cecInternal:
-        throw IllegalArgumentException(KX_POS, "Internal error")
-            .add("info", message)
-            .add("stdError", stdError)
-            .add("orbelErr", text)
-            .add("fileName", m_fileName);
+        raise(IllegalArgumentException(KX_POS, "Internal error"), &message, stdError, text, m_fileName);
     case F::cecIllegalState:
-        throw IllegalStateException(KX_POS, message)
-            .add("info", message)
-            .add("stdError", stdError)
-            .add("orbelErr", text)
-            .add("fileName", m_fileName);
+        raise(IllegalStateException(KX_POS, message), &message, stdError, text, m_fileName);
     default:
-        throw IOException(KX_POS, message)
-            .add("stdError", stdError)
-            .add("orbelErr", text)
-            .add("fileName", m_fileName);
+        raise(IOException(KX_POS, message), nullptr, stdError, text, m_fileName);
     }
 }
 

@@ -302,25 +302,6 @@ TEST_F(DocumentControllerTest, AnalyzerOperationsSendTheirWordsAndParameters)
               calls);
 }
 
-TEST_F(DocumentControllerTest, ExportFormatsAreTheirTexts)
-{
-    const std::pair<const char*, const char*> formats[] = {
-        {CAnalyzerDocController::exportTrcAsText, "Text"},
-        {CAnalyzerDocController::exportTrcAsCSV, "CSV"},
-        {CAnalyzerDocController::exportTrcAsBinary, "Binary"},
-        {CAnalyzerDocController::exportCCAsHTML, "HTML"},
-        {CAnalyzerDocController::exportCCAsText, "Text"},
-        {CAnalyzerDocController::exportCCAsCSV, "CSV"},
-        {CAnalyzerDocController::exportCCAsXML, "XML"},
-        {CAnalyzerDocController::exportCCAsReviewHTML, "Review (HTML)"},
-        {CAnalyzerDocController::exportCCAsReviewText, "Review (Text)"},
-        {CAnalyzerDocController::exportCCAsXML2, "XML2"},
-    };
-    for (const auto& f : formats) {
-        EXPECT_STREQ(f.second, f.first);
-    }
-}
-
 TEST_F(DocumentControllerTest, AnalyzerMarkersAreOnlyAComment)
 {
     startLogger();
