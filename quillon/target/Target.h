@@ -163,6 +163,7 @@ private:
     void dropTranslationsOfCode(uint64_t begin, uint64_t end);
     void updateWriteHook();
     void flushObserved();
+    void tellRunStart();
 
     CpuModel m_cpu;
     uint64_t m_clockHz;

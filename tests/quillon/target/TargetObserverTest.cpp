@@ -123,5 +123,74 @@ TEST_F(TargetObserver, RemovedObserversHearNothingAndWritesStopWithTheirLastWatc
     EXPECT_THROW(target->addObserver(nullptr), TargetError);
 }
 
+/// Reads PC and SP in every callback, as a profiler does.
+class RegisterReader : public ExecutionObserver {
+public:
+    explicit RegisterReader(Target& target) : m_target(target) {}
+
+    void onRunStart(uint64_t cycle) override
+    {
+        starts.push_back({read(Register::PC), cycle});
+        runStartSps.push_back(read(Register::SP));
+    }
+    void onInstruction(uint32_t address, uint32_t, uint64_t) override
+    {
+        addresses.push_back(address);
+        pcsAfter.push_back(read(Register::PC));
+    }
+
+    struct Start {
+        uint32_t pc;
+        uint64_t cycle;
+    };
+    std::vector<Start> starts;
+    std::vector<uint32_t> runStartSps;
+    std::vector<uint32_t> addresses;
+    std::vector<uint32_t> pcsAfter;
+    int failures = 0;
+
+private:
+    uint32_t read(Register reg)
+    {
+        try {
+            return m_target.readRegister(reg) & ~1u;
+        } catch (...) {
+            ++failures;
+            return 0;
+        }
+    }
+
+    Target& m_target;
+};
+
+TEST_F(TargetObserver, CallbacksSeeTheRegistersAfterTheInstructionAndRunsTellWhereTheyStart)
+{
+    runToMain();
+    RegisterReader reader(*target);
+    target->addObserver(&reader);
+    target->setBreakpoint(sym("tick"));
+    prepareCall("count_ticks", {2});
+    const uint32_t sp = target->readRegister(Register::SP);
+    StopInfo stop = target->runToStop();
+    int runs = 1;
+    while (stop.reason == StopReason::Breakpoint) {
+        stop = target->runToStop();
+        ++runs;
+    }
+    ASSERT_EQ(stop.reason, StopReason::Returned) << stop.message;
+    EXPECT_EQ(reader.failures, 0) << "a register read failed in a callback";
+    ASSERT_EQ(reader.starts.size(), static_cast<size_t>(runs));
+    EXPECT_EQ(reader.starts[0].pc, sym("count_ticks"));
+    EXPECT_EQ(reader.runStartSps[0], sp);
+    for (size_t run = 1; run < reader.starts.size(); ++run) {
+        EXPECT_EQ(reader.starts[run].pc, sym("tick")) << "run " << run << " resumes at the breakpoint";
+    }
+    ASSERT_EQ(reader.addresses.size(), reader.pcsAfter.size());
+    for (size_t i = 0; i + 1 < reader.addresses.size(); ++i) {
+        ASSERT_EQ(reader.pcsAfter[i], reader.addresses[i + 1]) << "report " << i;
+    }
+    EXPECT_EQ(reader.pcsAfter.back(), returnAddress) << "the last instruction returned to the caller";
+}
+
 } // namespace
 } // namespace quillon::target
