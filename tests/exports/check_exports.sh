@@ -32,6 +32,8 @@ finished=(
   SScan_IN SScan_OUT SLine_IN SLine_OUT Scan
   CTestCaseController CTestVariableController CTestStubController ICustomFunctions
   CIDEController CIDEData COptionValue SOptionValue
+  SStartingPoint SProfilerStartingPoint SProfilerEncode CProfilerCapabilities CProfilerStatus CAreaProperties
+  CProfilerController
 )
 # Free functions and registration exports, named whole.
 finished_names=(
@@ -51,6 +53,7 @@ allowed=(
   CSharp_OrbelIDE2_SWIGUpcast
   CSharp_OrbelIDE3_SWIGUpcast
   CSharp_OrbelProfiler2_SWIGUpcast
+  CSharp_SProfilerStartingPoint_SWIGUpcast
   # Directors: a managed class that implements the script functions is built through these.
   CSharp_new_ICustomFunctions
   CSharp_ICustomFunctions_director_connect
