@@ -5,6 +5,7 @@ namespace quillon::services {
 void CallTracker::watchEntry(std::uint32_t address, std::uint32_t area)
 {
     m_entries.emplace(address & ~1u, area);
+    m_entryAddresses.insert(address & ~1u);
 }
 
 void CallTracker::watchExit(std::uint32_t address, std::uint32_t area)
@@ -30,8 +31,10 @@ std::vector<CallTracker::Call> CallTracker::arrive(std::uint32_t pc, std::uint32
 std::vector<CallTracker::Call> CallTracker::jump(std::uint32_t pc, std::uint32_t sp, std::uint64_t now)
 {
     std::vector<Call> ended = popReturns(pc, sp, now, false);
-    while (!m_frames.empty() && m_frames.back().sp <= sp) {
-        drop();
+    if (m_entryAddresses.count(pc) != 0) {
+        while (!m_frames.empty() && m_frames.back().sp <= sp) {
+            drop();
+        }
     }
     return ended;
 }
@@ -68,6 +71,7 @@ bool CallTracker::enter(std::uint32_t area, std::uint32_t sp, std::uint32_t retu
     }
     m_frames.push_back(Frame{area, returnAddress, sp, now});
     ++m_inProgress[area];
+    ++m_returnCounts[returnAddress];
     return true;
 }
 
@@ -90,6 +94,7 @@ void CallTracker::abandonAll()
 {
     m_frames.clear();
     m_inProgress.clear();
+    m_returnCounts.clear();
 }
 
 CallTracker::Call CallTracker::pop(std::uint64_t now)
@@ -101,22 +106,26 @@ CallTracker::Call CallTracker::remove(std::size_t index, std::uint64_t now)
 {
     const Frame frame = m_frames[index];
     m_frames.erase(m_frames.begin() + static_cast<std::ptrdiff_t>(index));
-    forget(frame.area);
+    forget(frame);
     return Call{frame.area, frame.entry, now, m_inProgress.count(frame.area) == 0};
 }
 
 void CallTracker::drop()
 {
-    const std::uint32_t area = m_frames.back().area;
+    const Frame frame = m_frames.back();
     m_frames.pop_back();
-    forget(area);
+    forget(frame);
 }
 
-void CallTracker::forget(std::uint32_t area)
+void CallTracker::forget(const Frame& frame)
 {
-    const auto count = m_inProgress.find(area);
+    const auto count = m_inProgress.find(frame.area);
     if (count != m_inProgress.end() && --count->second == 0) {
         m_inProgress.erase(count);
+    }
+    const auto returns = m_returnCounts.find(frame.returnAddress);
+    if (returns != m_returnCounts.end() && --returns->second == 0) {
+        m_returnCounts.erase(returns);
     }
 }
 

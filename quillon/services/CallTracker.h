@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace quillon::services {
@@ -32,13 +34,16 @@ public:
     void watchExit(std::uint32_t address, std::uint32_t area);
     bool hasExits() const { return !m_exits.empty(); }
 
+    /// Control at `pc` may begin or end a call: it is an entry or the return address of a call in progress.
+    bool matters(std::uint32_t pc) const { return m_entryAddresses.count(pc) != 0 || m_returnCounts.count(pc) != 0; }
+    bool isExit(std::uint32_t address) const { return m_exits.count(address) != 0; }
     /// The areas whose entry is at `pc`, in the order they were watched.
     std::vector<std::uint32_t> entriesAt(std::uint32_t pc) const;
     /// The core brought control to `pc` with the stack pointer `sp` at time `now`: the calls that this returns
     /// from, or whose frames the stack rose above, end.
     std::vector<Call> arrive(std::uint32_t pc, std::uint32_t sp, std::uint64_t now);
-    /// The debugger put control at `pc` with `sp`: the calls that this returns from end; those with a frame at
-    /// or below `sp` otherwise were left and are forgotten.
+    /// The debugger put control at `pc` with `sp`: the calls that this returns from end; at an entry, a new call
+    /// begins, and those with a frame at or below `sp` were left and are forgotten.
     std::vector<Call> jump(std::uint32_t pc, std::uint32_t sp, std::uint64_t now);
     /// A call of `area` from `returnAddress` with the frame `sp` begins at `now`; false when it continues the
     /// call on top.
@@ -62,10 +67,12 @@ private:
     std::vector<Call> popReturns(std::uint32_t pc, std::uint32_t sp, std::uint64_t now, bool withJumpsOut);
     Call pop(std::uint64_t now);
     Call remove(std::size_t index, std::uint64_t now);
-    void forget(std::uint32_t area);
+    void forget(const Frame& frame);
     void drop();
 
     std::multimap<std::uint32_t, std::uint32_t> m_entries;
+    std::unordered_set<std::uint32_t> m_entryAddresses;
+    std::unordered_map<std::uint32_t, std::size_t> m_returnCounts; ///< calls in progress by return address
     std::multimap<std::uint32_t, std::uint32_t> m_exits;
     std::vector<Frame> m_frames;
     std::map<std::uint32_t, std::size_t> m_inProgress; ///< calls of each area on the stack

@@ -1,7 +1,6 @@
 #include "services/ProfilerRecording.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace quillon::services {
 
@@ -34,46 +33,45 @@ void ProfilerRecording::begin(const std::vector<ProfilerArea>& areas, std::optio
     m_analyzed = 0;
     m_overrun = false;
     m_failed = false;
-    m_lastCycle = m_target.cycles();
+    m_lastCycle.store(m_target.cycles());
     m_resetOffset = 0;
-    m_zero = m_lastCycle;
-    m_now = 0;
-    m_lastPlace.reset();
+    m_zero = m_lastCycle.load();
+    m_lastNext.reset();
+    m_nextUnknown = false;
     m_startAddress = startAddress;
     if (m_startAddress) {
         *m_startAddress &= ~1u;
     }
-    m_isOn = true;
+    m_isOn.store(true);
 }
 
+// The engine's thread may still look at the calls and the starting address: they stay until the next begin().
 bool ProfilerRecording::end()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_isOn) {
+    if (!m_isOn.load()) {
         return false;
     }
+    m_isOn.store(false);
+    const std::uint64_t endTime = now();
     for (std::size_t i = 0; i < m_held.size(); ++i) {
         if (m_held[i]) {
-            m_valueTimes[i][m_held[i]->value].addPeriod(m_now - m_held[i]->since);
+            m_valueTimes[i][m_held[i]->value].addPeriod(endTime - m_held[i]->since);
             m_held[i].reset();
         }
     }
-    m_calls.abandonAll();
-    m_startAddress.reset();
-    m_isOn = false;
     return true;
 }
 
 bool ProfilerRecording::isOn() const
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    return m_isOn;
+    return m_isOn.load();
 }
 
 bool ProfilerRecording::isWaiting() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    return m_isOn && m_startAddress.has_value();
+    return m_isOn.load() && m_startAddress.has_value();
 }
 
 bool ProfilerRecording::hasOverrun() const
@@ -103,6 +101,7 @@ std::size_t ProfilerRecording::analyzedEvents() const
 std::vector<ProfilerRecording::Statistic> ProfilerRecording::statistics() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    const std::uint64_t nowTime = now();
     std::vector<Statistic> found;
     for (std::size_t i = 0; i < m_areas.size(); ++i) {
         const std::uint32_t handle = m_areas[i].handle;
@@ -115,7 +114,7 @@ std::vector<ProfilerRecording::Statistic> ProfilerRecording::statistics() const
         for (const auto& [value, time] : m_valueTimes[i]) {
             Statistic statistic{handle, value, time};
             if (m_held[i] && m_held[i]->value == value) {
-                statistic.time.addPeriod(m_now - m_held[i]->since);
+                statistic.time.addPeriod(nowTime - m_held[i]->since);
             }
             found.push_back(statistic);
         }
@@ -151,66 +150,111 @@ std::vector<ProfilerRecording::Event> ProfilerRecording::history(const Filter& f
 void ProfilerRecording::onRunStart(std::uint64_t cycle)
 {
     std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_isOn) {
+    if (!m_isOn.load()) {
         return;
     }
-    const std::uint64_t now = timeAt(cycle);
+    if (cycle < m_lastCycle.load()) { // a reset: cycles restart, the recording's time goes on
+        m_resetOffset += m_lastCycle.load();
+        m_calls.abandonAll();
+        m_lastNext.reset();
+        m_nextUnknown = false;
+    }
+    m_lastCycle.store(cycle);
+    const std::uint64_t time = timeAt(cycle);
     const std::uint32_t pc = readRegister(target::Register::PC);
-    const std::uint32_t sp = readRegister(target::Register::SP);
-    if (m_lastPlace && m_lastPlace->first == pc && m_lastPlace->second == sp) {
+    if (m_nextUnknown) {
+        m_nextUnknown = false;
+        m_lastNext = pc;
+        if (matters(pc)) {
+            arrive(pc, readRegister(target::Register::SP), time, false);
+        }
+        return;
+    }
+    if (m_lastNext == pc) {
         return; // resumes where it stopped
     }
-    arrive(pc, sp, now, true);
+    m_lastNext = pc;
+    arrive(pc, readRegister(target::Register::SP), time, true);
 }
 
+// Most instructions matter to no area: they cost a look at the next address.
 void ProfilerRecording::onInstruction(std::uint32_t address, std::uint32_t, std::uint64_t cycle)
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_isOn) {
+    if (!m_isOn.load(std::memory_order_acquire)) {
         return;
     }
-    const std::uint64_t now = timeAt(cycle);
-    if (!m_startAddress && m_calls.hasExits()) {
-        ended(m_calls.executed(address, now));
+    m_lastCycle.store(cycle, std::memory_order_relaxed);
+    const bool afterWrite = m_nextUnknown && matters(address);
+    const std::optional<std::uint32_t> next = m_target.nextAddress();
+    m_nextUnknown = !next;
+    m_lastNext = next;
+    const bool atExit = m_calls.hasExits() && m_calls.isExit(address);
+    const bool toNext = next && matters(*next);
+    if (!afterWrite && !atExit && !toNext) {
+        return;
     }
-    arrive(readRegister(target::Register::PC), readRegister(target::Register::SP), now, false);
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_isOn.load()) {
+        return;
+    }
+    const std::uint64_t time = timeAt(cycle);
+    if (afterWrite) {
+        arrive(address, readRegister(target::Register::SP), time > 0 ? time - 1 : 0, false);
+    }
+    if (atExit && !m_startAddress) {
+        ended(m_calls.executed(address, time));
+    }
+    if (toNext) {
+        arrive(*next, readRegister(target::Register::SP), time, false);
+    }
 }
 
 void ProfilerRecording::onWrite(std::uint32_t address, std::uint32_t size, std::uint64_t value, std::uint64_t cycle)
 {
-    std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_isOn || m_startAddress || m_dataAreas.empty()) {
+    if (!m_isOn.load(std::memory_order_acquire) || m_startAddress || !touchesData(address, size)) {
         return;
     }
-    const std::uint64_t now = timeAt(cycle);
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_isOn.load()) {
+        return;
+    }
+    const std::uint64_t time = timeAt(cycle);
     const std::uint64_t end = std::uint64_t{address} + size;
     // A data area has at most four bytes: one that starts three bytes before the write may overlap it.
     auto it = m_dataAreas.lower_bound(address >= 3 ? address - 3 : 0);
     for (; it != m_dataAreas.end() && it->first < end; ++it) {
         const ProfilerArea& area = m_areas[it->second];
         if (std::uint64_t{area.address} + area.size > address) {
-            write(it->second, valueAfterWrite(area, address, size, value), now);
+            write(it->second, valueAfterWrite(area, address, size, value), time);
         }
     }
 }
 
-// Cycles restart at a reset; the recording's time goes on.
-std::uint64_t ProfilerRecording::timeAt(std::uint64_t cycle)
+bool ProfilerRecording::touchesData(std::uint32_t address, std::uint32_t size) const
 {
-    if (cycle < m_lastCycle) {
-        m_resetOffset += m_lastCycle;
-        m_calls.abandonAll();
-        m_lastPlace.reset();
+    const std::uint64_t end = std::uint64_t{address} + size;
+    for (auto it = m_dataAreas.lower_bound(address >= 3 ? address - 3 : 0); it != m_dataAreas.end() && it->first < end;
+         ++it) {
+        if (std::uint64_t{m_areas[it->second].address} + m_areas[it->second].size > address) {
+            return true;
+        }
     }
-    m_lastCycle = cycle;
+    return false;
+}
+
+bool ProfilerRecording::matters(std::uint32_t pc) const
+{
+    return m_startAddress ? pc == *m_startAddress : m_calls.matters(pc);
+}
+
+std::uint64_t ProfilerRecording::timeAt(std::uint64_t cycle) const
+{
     const std::uint64_t absolute = cycle + m_resetOffset;
-    m_now = absolute >= m_zero ? absolute - m_zero : 0;
-    return m_now;
+    return absolute >= m_zero ? absolute - m_zero : 0;
 }
 
 void ProfilerRecording::arrive(std::uint32_t pc, std::uint32_t sp, std::uint64_t now, bool isJump)
 {
-    m_lastPlace = std::make_pair(pc, sp);
     if (m_startAddress) {
         if (pc != *m_startAddress) {
             return;
@@ -218,7 +262,6 @@ void ProfilerRecording::arrive(std::uint32_t pc, std::uint32_t sp, std::uint64_t
         m_startAddress.reset();
         m_zero += now;
         now = 0;
-        m_now = 0;
     }
     ended(isJump ? m_calls.jump(pc, sp, now) : m_calls.arrive(pc, sp, now));
     const std::vector<std::uint32_t> entered = m_calls.entriesAt(pc);

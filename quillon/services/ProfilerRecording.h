@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -21,6 +22,11 @@ namespace quillon::services {
 /// address. A code area's call counts once it has returned; a data value counts at its write, and its period runs
 /// until the next write of its area, the end of the recording, or (while the recording goes on) the latest
 /// instruction.
+///
+/// Control is looked at where it matters only (entries, return addresses of calls in progress, the starting
+/// address, and where a run starts), so that the core runs on at little cost elsewhere; a jump out of a call's
+/// frame ends it at the next such place. Where control goes after an instruction that writes is taken after the
+/// next instruction, with the stack pointer as it left it.
 ///
 /// Threads: the callbacks come on the engine's thread; every other operation may come from any thread.
 class ProfilerRecording final : public target::ExecutionObserver {
@@ -85,7 +91,10 @@ private:
         std::uint64_t since = 0;
     };
 
-    std::uint64_t timeAt(std::uint64_t cycle);
+    std::uint64_t timeAt(std::uint64_t cycle) const;
+    std::uint64_t now() const { return timeAt(m_lastCycle.load(std::memory_order_relaxed)); }
+    bool matters(std::uint32_t pc) const;
+    bool touchesData(std::uint32_t address, std::uint32_t size) const;
     void arrive(std::uint32_t pc, std::uint32_t sp, std::uint64_t now, bool isJump);
     void ended(const std::vector<CallTracker::Call>& calls);
     void write(std::size_t area, std::uint32_t value, std::uint64_t now);
@@ -96,26 +105,27 @@ private:
 
     target::Target& m_target;
     mutable std::mutex m_mutex;
-    bool m_isOn = false;
+    std::atomic<bool> m_isOn{false};
     std::optional<std::uint32_t> m_startAddress; ///< set while waiting for it
     std::vector<ProfilerArea> m_areas;
     std::multimap<std::uint32_t, std::size_t> m_dataAreas; ///< index into m_areas by first byte
     CallTracker m_calls;
-    std::vector<ProfilerTime> m_codeTimes;                             ///< by area index
-    std::vector<std::map<std::uint32_t, ProfilerTime>> m_valueTimes;   ///< by area index
-    std::vector<std::optional<Held>> m_held;                           ///< by area index
+    std::vector<ProfilerTime> m_codeTimes;                           ///< by area index
+    std::vector<std::map<std::uint32_t, ProfilerTime>> m_valueTimes; ///< by area index
+    std::vector<std::optional<Held>> m_held;                         ///< by area index
     std::vector<Event> m_history;
     std::size_t m_analyzed = 0;
     bool m_overrun = false;
     bool m_failed = false; ///< a register could not be read: calls may be missing
 
     // The clock: cycles since the reset, kept rising over resets, and where the recording's time 0 is.
-    std::uint64_t m_lastCycle = 0;
+    std::atomic<std::uint64_t> m_lastCycle{0};
     std::uint64_t m_resetOffset = 0;
     std::uint64_t m_zero = 0;
-    std::uint64_t m_now = 0;
-    /// Where the latest instruction or run start left control.
-    std::optional<std::pair<std::uint32_t, std::uint32_t>> m_lastPlace;
+
+    // Where control went, as far as the engine's thread knows it.
+    std::optional<std::uint32_t> m_lastNext; ///< after the latest instruction
+    bool m_nextUnknown = false;              ///< the latest instruction wrote: it is the next one's address
 };
 
 } // namespace quillon::services

@@ -73,7 +73,7 @@ struct TargetHooks {
             return; // the instruction does not execute now
         }
         if (!t->m_observers.empty()) {
-            t->flushObserved();
+            t->flushObserved(static_cast<uint32_t>(address));
             t->m_observed = {static_cast<uint32_t>(address), size, n, true};
         }
     }
@@ -81,7 +81,7 @@ struct TargetHooks {
     static void onWrite(uc_engine*, uc_mem_type, uint64_t address, int size, int64_t value, void* user) noexcept
     {
         auto* t = static_cast<Target*>(user);
-        t->flushObserved(); // the writing instruction runs: observers see it first
+        t->flushObserved(std::nullopt); // the writing instruction runs: observers see it first
         const uint64_t bits = size >= 8 ? static_cast<uint64_t>(value)
                                         : static_cast<uint64_t>(value) & ((uint64_t{1} << (8 * size)) - 1);
         const uint64_t cycle = t->m_cycles.load(std::memory_order_relaxed);
@@ -294,15 +294,17 @@ void Target::tellRunStart()
 
 // Observers hear of an instruction once the next one comes, a write of it, or the end of the slice, so that an
 // instruction that a later hook at its address stops before is never reported.
-void Target::flushObserved()
+void Target::flushObserved(std::optional<uint32_t> next)
 {
     if (!m_observed.pending) {
         return;
     }
     m_observed.pending = false;
+    m_nextAddress = next;
     for (ExecutionObserver* observer : m_observers) {
         observer->onInstruction(m_observed.address, m_observed.size, m_observed.cycle);
     }
+    m_nextAddress.reset();
 }
 
 // The write hook costs on every store: it is there only while someone watches writes. Translated code has the
@@ -591,7 +593,7 @@ std::optional<StopInfo> Target::runSlice(uint64_t slice)
         if (m_observed.pending && m_observed.cycle > m_cycles.load()) {
             m_observed.pending = false;
         }
-        flushObserved(); // still as the engine's thread: observers may read registers
+        flushObserved(pc); // still as the engine's thread: observers may read registers
     }
     if (!stop && m_cycles.load() == before && pc == from) {
         StopInfo info;

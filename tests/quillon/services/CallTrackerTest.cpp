@@ -89,10 +89,27 @@ TEST_F(Tracker, JumpsOfTheDebuggerReturnOrLeaveCalls)
     EXPECT_TRUE(ended.empty());
     EXPECT_EQ(tracker.depth(), 0u);
 
-    // A call made by the debugger below a call in progress leaves that one alone.
+    // A call made by the debugger below a call in progress leaves that one alone, and so does a jump inside it.
     tracker.enter(kF, kStack, kReturn, 10);
     EXPECT_TRUE(tracker.jump(kGEntry, kStack - 64, 11).empty());
     EXPECT_EQ(tracker.depth(), 1u);
+    EXPECT_TRUE(tracker.jump(kInsideF, kStack, 12).empty());
+    EXPECT_EQ(tracker.depth(), 1u);
+}
+
+TEST_F(Tracker, OnlyEntriesAndReturnAddressesOfCallsInProgressMatter)
+{
+    EXPECT_TRUE(tracker.matters(kFEntry));
+    EXPECT_FALSE(tracker.matters(kReturn));
+    tracker.enter(kF, kStack, kReturn | 1u, 0);
+    tracker.enter(kG, kStack - 8, kInsideF, 1);
+    EXPECT_TRUE(tracker.matters(kReturn)) << "without the Thumb bit";
+    EXPECT_TRUE(tracker.matters(kInsideF));
+    tracker.arrive(kInsideF, kStack - 8, 2);
+    EXPECT_FALSE(tracker.matters(kInsideF)) << "G returned";
+    EXPECT_TRUE(tracker.matters(kReturn));
+    tracker.abandonAll();
+    EXPECT_FALSE(tracker.matters(kReturn));
 }
 
 TEST_F(Tracker, ARoutineExitEndsOnlyThatRoutinesInnermostCall)

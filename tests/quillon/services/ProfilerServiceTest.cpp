@@ -291,6 +291,23 @@ TEST_F(Profiler, AStartingAddressDelaysTheRecordingUntilControlGetsThere)
     EXPECT_EQ(events.front().value, kEntry);
 }
 
+TEST_F(Profiler, AStartingAddressRightAfterAWriteIsReachedWhileWritesAreWatched)
+{
+    // staged_mid follows a store: with a data area, where control goes after it is known one instruction later.
+    profiler->startConfiguration(ProfilerService::TimeBase::Cycles, symbolAddress(DebugService::Labels, "staged_mid"));
+    profiler->addVariable("g_state");
+    profiler->addFunction("leaf");
+    profiler->start();
+    runTest("caller", {"2"});
+    EXPECT_EQ(profiler->status().state, ProfilerService::State::Waiting);
+    runTest("staged", {"1"});
+    EXPECT_EQ(profiler->status().state, ProfilerService::State::Active);
+    runTest("caller", {"3"});
+    runTest("walk", {"2"});
+    EXPECT_EQ(codeStatistic("leaf").hits, 3u) << "the calls before the starting address do not count";
+    EXPECT_EQ(statisticsOf("g_state").size(), 2u);
+}
+
 TEST_F(Profiler, ANewStartDropsTheOldRecording)
 {
     recordFunctions({"caller", "leaf"});

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "TargetFixture.h"
 #include "target/ExecutionObserver.h"
@@ -133,11 +134,14 @@ public:
         starts.push_back({read(Register::PC), cycle});
         runStartSps.push_back(read(Register::SP));
     }
-    void onInstruction(uint32_t address, uint32_t, uint64_t) override
+    void onInstruction(uint32_t address, uint32_t, uint64_t cycle) override
     {
         addresses.push_back(address);
+        cycles.push_back(cycle);
         pcsAfter.push_back(read(Register::PC));
+        nexts.push_back(m_target.nextAddress());
     }
+    void onWrite(uint32_t, uint32_t, uint64_t, uint64_t cycle) override { writeCycles.push_back(cycle); }
 
     struct Start {
         uint32_t pc;
@@ -147,6 +151,9 @@ public:
     std::vector<uint32_t> runStartSps;
     std::vector<uint32_t> addresses;
     std::vector<uint32_t> pcsAfter;
+    std::vector<uint64_t> cycles;
+    std::vector<std::optional<uint32_t>> nexts;
+    std::vector<uint64_t> writeCycles;
     int failures = 0;
 
 private:
@@ -190,6 +197,31 @@ TEST_F(TargetObserver, CallbacksSeeTheRegistersAfterTheInstructionAndRunsTellWhe
         ASSERT_EQ(reader.pcsAfter[i], reader.addresses[i + 1]) << "report " << i;
     }
     EXPECT_EQ(reader.pcsAfter.back(), returnAddress) << "the last instruction returned to the caller";
+    for (size_t i = 0; i < reader.nexts.size(); ++i) {
+        ASSERT_EQ(reader.nexts[i], reader.pcsAfter[i]) << "report " << i;
+    }
+    EXPECT_FALSE(target->nextAddress()) << "outside a callback";
+}
+
+TEST_F(TargetObserver, TheNextAddressIsUnknownOnlyWhileAWritingInstructionStillRuns)
+{
+    runToMain();
+    RegisterReader reader(*target);
+    target->addObserver(&reader, true);
+    ASSERT_EQ(call("count_ticks", {3}).reason, StopReason::Returned);
+    ASSERT_FALSE(reader.writeCycles.empty());
+    size_t unknown = 0;
+    for (size_t i = 0; i < reader.nexts.size(); ++i) {
+        const bool writes = std::count(reader.writeCycles.begin(), reader.writeCycles.end(), reader.cycles[i]) > 0;
+        if (!reader.nexts[i]) {
+            ++unknown;
+            EXPECT_TRUE(writes) << "report " << i << " has no next address but wrote nothing";
+        } else {
+            const uint32_t next = i + 1 < reader.addresses.size() ? reader.addresses[i + 1] : returnAddress;
+            EXPECT_EQ(*reader.nexts[i], next) << "report " << i;
+        }
+    }
+    EXPECT_GT(unknown, 0u);
 }
 
 } // namespace
