@@ -26,6 +26,7 @@
 %include "Results.i"
 %include "Connection.i"
 %include "Debug.i"
+%include "Profiler.i"
 %include "IDE.i"
 %include "Documents.i"
 %include "HIL.i"

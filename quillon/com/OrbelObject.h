@@ -47,7 +47,7 @@ private:
     OrbelAdapter m_orbel{*this, m_lastError, m_session};
     IdeAdapter m_ide{*this, m_lastError, m_session};
     DebugAdapter m_debug{*this, m_lastError, m_session};
-    ProfilerAdapter m_profiler{*this, m_lastError};
+    ProfilerAdapter m_profiler{*this, m_lastError, m_session};
     ProjectAdapter m_project{*this, m_lastError};
     CoverageAdapter m_coverage{*this, m_lastError};
     TestAdapter m_test{*this, m_lastError, m_session};

@@ -31,7 +31,8 @@ Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std:
                    std::unique_ptr<target::Target> target)
     : m_id(std::move(id)), m_port(port), m_workspace(std::move(workspace)),
       m_commandLine(std::move(commandLine)), m_target(std::move(target)),
-      m_debug(checked(m_target), downloadFiles(m_workspace)), m_expressions(*m_target, m_debug.symbols())
+      m_debug(checked(m_target), downloadFiles(m_workspace)), m_expressions(*m_target, m_debug.symbols()),
+      m_profiler(*m_target, [this](std::uint32_t flags, const std::string& name) { return m_debug.findSymbol(flags, name); })
 {
     m_options.setDefault(services::OptionTree::kMaxInstructions, std::to_string(m_workspace.maxInstructions()));
     for (const Workspace::OptionSetting& setting : m_workspace.options()) {

@@ -10,6 +10,7 @@
 #include "services/ExpressionEvaluatorEngine.h"
 #include "services/TestService.h"
 #include "services/OptionTree.h"
+#include "services/ProfilerService.h"
 #include "target/Target.h"
 
 namespace quillon {
@@ -41,6 +42,8 @@ public:
     services::DebugService& debug() { return m_debug; }
     /// The test service on the target, with the workspace's instruction limit, over the debugger's programs.
     services::TestService& test() { return *m_test; }
+    /// The profiler on the target, finding areas by the debugger's symbols.
+    services::ProfilerService& profiler() { return m_profiler; }
     /// Quillon's options. The workspace's test.maxInstructions and its `options:` (in file
     /// order) replace the built-in defaults, so a reset returns to what the workspace says.
     services::OptionTree& options() { return m_options; }
@@ -65,6 +68,7 @@ private:
     services::DebugService m_debug;
     services::ExpressionEvaluatorEngine m_expressions;
     std::unique_ptr<services::TestService> m_test; // after the target and programs it uses
+    services::ProfilerService m_profiler;
     std::atomic<int> m_clients{0};
 };
 

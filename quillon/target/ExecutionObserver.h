@@ -11,8 +11,13 @@ class ExecutionObserver {
 public:
     virtual ~ExecutionObserver() = default;
 
-    /// Before the instruction of `size` bytes at `address` executes; `cycle` is its number in the target's cycle
-    /// count (the first instruction after a reset is cycle 1).
+    /// A run or step is about to start from the registers as they are now, `cycle` instructions after the reset:
+    /// whatever the debugger changed while the core stood is in place.
+    virtual void onRunStart(std::uint64_t cycle) { (void)cycle; }
+    /// The instruction of `size` bytes at `address` ran; `cycle` is its number in the target's cycle count (the
+    /// first instruction after a reset is cycle 1). The registers are those after it, and Target::nextAddress the
+    /// instruction that comes next, unless the instruction still runs because its write is reported next: then
+    /// nextAddress is empty.
     virtual void onInstruction(std::uint32_t address, std::uint32_t size, std::uint64_t cycle) = 0;
     /// After the instruction at `cycle` wrote `size` bytes (1, 2, 4 or 8) of `value` (little-endian, zero-extended)
     /// at `address`; only for observers added with writes watched.

@@ -43,6 +43,22 @@ std::string exceptionText(int number)
     }
 }
 
+/// Marks the calling thread as the engine's for its scope: register access then goes straight to the engine, whose
+/// lock the thread holds.
+class EngineThreadMark {
+public:
+    explicit EngineThreadMark(std::atomic<std::thread::id>& owner) : m_owner(owner)
+    {
+        m_owner.store(std::this_thread::get_id());
+    }
+    ~EngineThreadMark() { m_owner.store(std::thread::id()); }
+    EngineThreadMark(const EngineThreadMark&) = delete;
+    EngineThreadMark& operator=(const EngineThreadMark&) = delete;
+
+private:
+    std::atomic<std::thread::id>& m_owner;
+};
+
 } // namespace
 
 // The engine's callbacks. They run on the engine's thread while the engine is locked, and never throw.
@@ -57,7 +73,7 @@ struct TargetHooks {
             return; // the instruction does not execute now
         }
         if (!t->m_observers.empty()) {
-            t->flushObserved();
+            t->flushObserved(static_cast<uint32_t>(address));
             t->m_observed = {static_cast<uint32_t>(address), size, n, true};
         }
     }
@@ -65,7 +81,7 @@ struct TargetHooks {
     static void onWrite(uc_engine*, uc_mem_type, uint64_t address, int size, int64_t value, void* user) noexcept
     {
         auto* t = static_cast<Target*>(user);
-        t->flushObserved(); // the writing instruction runs: observers see it first
+        t->flushObserved(std::nullopt); // the writing instruction runs: observers see it first
         const uint64_t bits = size >= 8 ? static_cast<uint64_t>(value)
                                         : static_cast<uint64_t>(value) & ((uint64_t{1} << (8 * size)) - 1);
         const uint64_t cycle = t->m_cycles.load(std::memory_order_relaxed);
@@ -264,17 +280,31 @@ void Target::removeObserver(ExecutionObserver* observer)
     });
 }
 
+// Engine locked, target stopped: the observers look at the registers that the run starts from.
+void Target::tellRunStart()
+{
+    if (m_observers.empty()) {
+        return;
+    }
+    EngineThreadMark mark(m_engineThread);
+    for (ExecutionObserver* observer : m_observers) {
+        observer->onRunStart(m_cycles.load());
+    }
+}
+
 // Observers hear of an instruction once the next one comes, a write of it, or the end of the slice, so that an
 // instruction that a later hook at its address stops before is never reported.
-void Target::flushObserved()
+void Target::flushObserved(std::optional<uint32_t> next)
 {
     if (!m_observed.pending) {
         return;
     }
     m_observed.pending = false;
+    m_nextAddress = next;
     for (ExecutionObserver* observer : m_observers) {
         observer->onInstruction(m_observed.address, m_observed.size, m_observed.cycle);
     }
+    m_nextAddress.reset();
 }
 
 // The write hook costs on every store: it is there only while someone watches writes. Translated code has the
@@ -485,6 +515,7 @@ void Target::prepareRun(const RunPlan& plan)
     m_run.limitEnd = plan.limit == 0 ? 0 : m_run.startCycles + plan.limit;
     m_run.step = plan.step;
     m_run.passBreakpointAtStart = plan.step || m_stoppedAtBreakpoint == m_run.startPc;
+    tellRunStart();
     try {
         for (uint32_t address : plan.until) {
             address &= ~1u;
@@ -548,20 +579,22 @@ std::optional<StopInfo> Target::runSlice(uint64_t slice)
     m_hookStop = HookStop{};
     uint64_t before = m_cycles.load();
     uint32_t from = pc;
-    m_engineThread.store(std::this_thread::get_id());
-    uc_err err = m_engine->start(pc);
-    m_engineThread.store(std::thread::id());
-    pc = m_engine->readRegister(UC_ARM_REG_PC);
-    if (err == UC_ERR_OK && m_hookStop.requested && pc == m_hookStop.address) {
-        m_cycles.store(m_cycles.load() - 1); // counted, but stopped before it ran
+    std::optional<StopInfo> stop;
+    {
+        EngineThreadMark mark(m_engineThread);
+        uc_err err = m_engine->start(pc);
+        pc = m_engine->readRegister(UC_ARM_REG_PC);
+        if (err == UC_ERR_OK && m_hookStop.requested && pc == m_hookStop.address) {
+            m_cycles.store(m_cycles.load() - 1); // counted, but stopped before it ran
+        }
+        m_pc.store(pc);
+        stop = classify(err, pc);
+        // An instruction that a hook stopped before, or a bkpt, was taken back from the count: it did not run.
+        if (m_observed.pending && m_observed.cycle > m_cycles.load()) {
+            m_observed.pending = false;
+        }
+        flushObserved(pc); // still as the engine's thread: observers may read registers
     }
-    m_pc.store(pc);
-    auto stop = classify(err, pc);
-    // An instruction that a hook stopped before, or a bkpt, was taken back from the count: it did not run.
-    if (m_observed.pending && m_observed.cycle > m_cycles.load()) {
-        m_observed.pending = false;
-    }
-    flushObserved();
     if (!stop && m_cycles.load() == before && pc == from) {
         StopInfo info;
         info.reason = StopReason::Fault;

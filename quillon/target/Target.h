@@ -112,6 +112,10 @@ public:
     void addObserver(ExecutionObserver* observer, bool watchWrites = false);
     void removeObserver(ExecutionObserver* observer);
 
+    /// In an observer's onInstruction: the address of the instruction that comes next, as the pc says after the
+    /// reported one; nothing while that one still runs (its write is reported next) and outside the callback.
+    std::optional<uint32_t> nextAddress() const { return m_nextAddress; }
+
     /// Host time a run spends on the caller's thread before the run thread takes over (default 5 ms).
     void setHostBudget(std::chrono::microseconds budget) { m_budget.store(budget.count()); }
 
@@ -162,7 +166,8 @@ private:
     void stopBefore(uint32_t address);
     void dropTranslationsOfCode(uint64_t begin, uint64_t end);
     void updateWriteHook();
-    void flushObserved();
+    void flushObserved(std::optional<uint32_t> next);
+    void tellRunStart();
 
     CpuModel m_cpu;
     uint64_t m_clockHz;
@@ -199,6 +204,7 @@ private:
         bool pending = false;
     };
     Observed m_observed;
+    std::optional<uint32_t> m_nextAddress; ///< while observers hear of an instruction
     std::optional<uint32_t> m_returnAddress;
     std::optional<uint32_t> m_stoppedAtBreakpoint; ///< where the last run stopped by a breakpoint hook
     Run m_run;

