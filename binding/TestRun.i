@@ -133,6 +133,30 @@ public:
                                const CTestProfiler& profiler,
                                const std::map<std::string, kestrix::CProfilerStatistic>& profilerCodeResults,
                                const std::map<std::string, std::vector<kestrix::CProfilerStatistic> >& profilerDataResults);
+    std::shared_ptr<CAnalyzerDocController> createTraceController(const CTestTrace& section);
+    std::shared_ptr<CCoverageController> createCoverageController(const CTestCoverage& section);
+    std::shared_ptr<CProfilerController> createProfilerController(const CTestProfiler& section);
+    std::shared_ptr<CHILController> createHILController(const CTestHIL& section);
+    void configureTrace(std::shared_ptr<CAnalyzerDocController> controller, const CTestTrace& section);
+    void configureCoverage(std::shared_ptr<CCoverageController> controller, const CTestCoverage& section);
+    void configureProfiler(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                           const std::string& functionName);
+    void configureHIL(std::shared_ptr<CHILController> controller, const CTestHIL& section);
+    void finalizeTrace(std::shared_ptr<CAnalyzerDocController> controller, const CTestTrace& section);
+    void finalizeCoverage(std::shared_ptr<CCoverageController> controller, const CTestCoverage& section);
+    void finalizeProfiler(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                          const StrStrMap& variables);
+    void getCoverageResults(std::shared_ptr<CCoverageController> controller, const CTestCoverage& section,
+                            std::map<std::string, kestrix::CCoverageStatistic>& results);
+    void getProfilerCodeResults(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                                std::map<std::string, kestrix::CProfilerStatistic>& results);
+    void getProfilerDataResults(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                                std::map<std::string, std::vector<kestrix::CProfilerStatistic> >& results);
+    std::string verifyCoverage(const CTestCoverage& section, std::shared_ptr<CCoverageController> controller);
+    std::string verifyProfiler(const CTestProfiler& section, std::shared_ptr<CProfilerController> controller);
+    void profilerResultsToYaml(const std::string& fileName, bool isForceOverwrite, bool isSaveHistory,
+                               std::shared_ptr<CProfilerController> controller);
+
     const std::map<std::string, kestrix::CCoverageStatistic>& getCachedCoverageResults() const;
     const std::map<std::string, kestrix::CProfilerStatistic>& getCachedProfilerCodeResults() const;
     const std::map<std::string, std::vector<kestrix::CProfilerStatistic> >& getCachedProfilerDataResults() const;

@@ -3,7 +3,23 @@
 #include <algorithm>
 #include <iterator>
 
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "CAnalyzerDocController.h"
+#include "CAreaProperties.h"
+#include "CCoverageController.h"
 #include "CDebugFacade.h"
+#include "CFileStream.h"
+#include "CHILController.h"
+#include "CProfilerController.h"
+#include "CTestHIL.h"
+#include "CTestTrace.h"
+#include "CYAMLMap.h"
+#include "CYAMLSequence.h"
+#include "IOException.h"
 #include "CIDEController.h"
 #include "CStringStream.h"
 #include "CTestEnvironmentConfig.h"
@@ -220,12 +236,11 @@ void CTestCase::runInitializedTest(std::shared_ptr<CTestSpecification> spec, Str
 {
     setLocals(spec, ctrl);
     setParameters(spec, ctrl);
+    startAnalyzers(*spec);
     callInitFunction(spec->getInitFunction());
     callFunctionUnderTest(spec->getStubs(), ctrl);
     callEndFunction(spec->getEndFunction());
-    coverageResults.clear();
-    profilerCodeResults.clear();
-    profilerDataResults.clear();
+    stopAnalyzers(*spec);
     StrVector expected;
     spec->getExpectedResults(expected, false);
     verifyResults(expected, results, true, ctrl);
@@ -615,6 +630,503 @@ const CProfilerArea* CTestCase::findDataArea(const ProfilerAreasVector& areas, c
         }
     }
     return nullptr;
+}
+
+// ---- Analyzer steps ----
+
+void CTestCase::startAnalyzers(CTestSpecification& spec)
+{
+    createTraceController(spec.getTrace());
+    createCoverageController(spec.getCoverage());
+    createProfilerController(spec.getProfiler());
+    createHILController(spec.getHIL());
+    configureTrace(traceController, spec.getTrace());
+    configureCoverage(coverageController, spec.getCoverage());
+    configureProfiler(profilerController, spec.getProfiler(), spec.getFunctionUnderTest().getName());
+    configureHIL(hilController, spec.getHIL());
+}
+
+void CTestCase::stopAnalyzers(CTestSpecification& spec)
+{
+    finalizeTrace(traceController, spec.getTrace());
+    finalizeCoverage(coverageController, spec.getCoverage());
+    finalizeProfiler(profilerController, spec.getProfiler(), StrStrMap());
+    coverageResults.clear();
+    profilerCodeResults.clear();
+    profilerDataResults.clear();
+    getCoverageResults(coverageController, spec.getCoverage(), coverageResults);
+    getProfilerCodeResults(profilerController, spec.getProfiler(), profilerCodeResults);
+    getProfilerDataResults(profilerController, spec.getProfiler(), profilerDataResults);
+}
+
+namespace {
+
+const char* const DEFAULT_OPEN_MODE = "w";
+const char* const DEFAULT_RANGESET = "kestrix.test";
+const char* const DEFAULT_TRACE_EXPORT = "Binary";
+const char* const DEFAULT_COVERAGE_EXPORT = "CSV";
+const DWORD COVERAGE_FLAGS = 1;
+const DWORD DECISION_COVERAGE_FLAGS = 3;
+const DWORD PROFILER_START_FLAGS = 1;
+const DWORD MAX_COVERAGE_RANGES = 100;
+const DWORD MAX_CODE_STATISTICS = 10;
+const DWORD MAX_DATA_STATISTICS = 100;
+const DWORD STATISTICS_STEP = 1000;
+const DWORD MAX_STATISTICS = 10000;
+const DWORD HISTORY_BLOCK = 1000;
+// Symbol kinds of the address controller and the coverage statistics.
+const DWORD FUNCTION_SYMBOL = 0x4000;
+enum CoverageKind : DWORD {
+    csftBytes = 1,
+    csftBytesExec = 2,
+    csftBranches = 3,
+    csftBranchesExec = 4,
+    csftBranchesTaken = 5,
+    csftBranchesNotTaken = 6,
+    csftBranchesBoth = 7
+};
+
+std::string openModeOf(const std::string& openMode)
+{
+    return openMode.empty() ? DEFAULT_OPEN_MODE : openMode;
+}
+
+int coverageExportFormat(const std::string& format)
+{
+    static const char* const FORMATS[] = {"HTML", "Text", "CSV", "XML", "Review (HTML)", "Review (Text)", "XML2"};
+    for (int i = 0; i < static_cast<int>(sizeof(FORMATS) / sizeof(FORMATS[0])); ++i) {
+        if (format == FORMATS[i]) {
+            return i;
+        }
+    }
+    IllegalArgumentException e(KX_POS, "Unknown export format for coverage files!");
+    e.add("format", format);
+    throw e;
+}
+
+std::string decimal(long long value)
+{
+    return std::to_string(value);
+}
+
+} // namespace
+
+std::shared_ptr<CAnalyzerDocController> CTestCase::createTraceController(const CTestTrace& section)
+{
+    if (section.getRunMode() == CTestTrace::rmOff || section.getDocumentFileName().empty()) {
+        return traceController;
+    }
+    traceController.reset();
+    traceController = std::make_shared<CAnalyzerDocController>(connectionMgr, CAnalyzerDocController::ANALYZER,
+                                                               section.getDocumentFileName(),
+                                                               openModeOf(section.getOpenMode()));
+    return traceController;
+}
+
+std::shared_ptr<CCoverageController> CTestCase::createCoverageController(const CTestCoverage& section)
+{
+    if (section.getRunMode() == CTestCoverage::rmOff) {
+        return coverageController;
+    }
+    if (section.getDocumentFileName().empty()) {
+        throw IllegalArgumentException(KX_POS, "Document name is not specified for coverage!");
+    }
+    coverageController.reset();
+    coverageController = std::make_shared<CCoverageController>(connectionMgr, section.getDocumentFileName(),
+                                                               openModeOf(section.getOpenMode()));
+    return coverageController;
+}
+
+std::shared_ptr<CProfilerController> CTestCase::createProfilerController(const CTestProfiler& section)
+{
+    if (section.getRunMode() != CTestProfiler::rmOff && !profilerController) {
+        profilerController = std::make_shared<CProfilerController>(connectionMgr);
+    }
+    return profilerController;
+}
+
+std::shared_ptr<CHILController> CTestCase::createHILController(const CTestHIL& section)
+{
+    if (!section.getHILParamKeys().empty() && !hilController) {
+        hilController = std::make_shared<CHILController>(connectionMgr);
+    }
+    return hilController;
+}
+
+void CTestCase::configureTrace(std::shared_ptr<CAnalyzerDocController> controller, const CTestTrace& section)
+{
+    if (section.getRunMode() == CTestTrace::rmOff || !controller) {
+        return;
+    }
+    if (!section.getTriggerName().empty()) {
+        controller->select(section.getTriggerName());
+    }
+    controller->start();
+}
+
+void CTestCase::configureCoverage(std::shared_ptr<CCoverageController> controller, const CTestCoverage& section)
+{
+    if (section.getRunMode() == CTestCoverage::rmOff || !controller) {
+        return;
+    }
+    if (section.getRunMode() == CTestCoverage::rmResume) {
+        controller->resume();
+        return;
+    }
+    if (section.getRunMode() != CTestCoverage::rmStart) {
+        return;
+    }
+    const std::string rangeset = section.getRangesetName();
+    controller->createRangeset(rangeset.empty() ? DEFAULT_RANGESET : rangeset);
+    controller->setConfiguration(CCoverageController::csIncludesOnly,
+                                 section.isDecisionCoverage() ? DECISION_COVERAGE_FLAGS : COVERAGE_FLAGS, 0);
+    for (int i = 0; i < section.getStatisticsSize(); ++i) {
+        controller->addRangesetInclude(CCoverageController::rsFunction, section.getStatistics(i)->getFunctionName());
+    }
+    controller->start();
+}
+
+void CTestCase::configureProfiler(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                                  const std::string& functionName)
+{
+    if (section.getRunMode() == CTestProfiler::rmOff || !controller) {
+        return;
+    }
+    if (section.getTriggerName().empty()) {
+        controller->startConfiguration(PROFILER_START_FLAGS);
+    } else {
+        controller->startConfiguration(PROFILER_START_FLAGS, section.getTriggerName());
+    }
+    const ProfilerAreasVector& codeAreas = section.getCodeAreas();
+    const ProfilerAreasVector& dataAreas = section.getDataAreas();
+    if (codeAreas.empty() && dataAreas.empty()) {
+        controller->addFunction(functionName, false);
+    }
+    for (const auto& area : codeAreas) {
+        controller->addFunction(area->getAreaName(), false);
+    }
+    std::vector<std::string> variables;
+    for (const auto& area : dataAreas) {
+        if (std::find(variables.begin(), variables.end(), area->getAreaName()) == variables.end()) {
+            variables.push_back(area->getAreaName());
+            controller->addVariable(area->getAreaName(), false, false);
+        }
+    }
+    controller->start();
+}
+
+void CTestCase::configureHIL(std::shared_ptr<CHILController> controller, const CTestHIL& section)
+{
+    const StrVector& keys = section.getHILParamKeys();
+    if (keys.empty() || !controller) {
+        return;
+    }
+    StrVector values;
+    section.getHILParamValues(values);
+    for (size_t i = 0; i < keys.size() && i < values.size(); ++i) {
+        controller->write(keys[i] + ":" + values[i]);
+    }
+}
+
+void CTestCase::finalizeTrace(std::shared_ptr<CAnalyzerDocController> controller, const CTestTrace& section)
+{
+    if (section.getRunMode() == CTestTrace::rmOff || !controller) {
+        return;
+    }
+    controller->stop();
+    if (section.isSaveAfterTest()) {
+        controller->save();
+    }
+    if (!section.getExportFileName().empty()) {
+        const std::string format = section.getExportFormat();
+        controller->exportAs(0, section.getExportFileName(), format.empty() ? DEFAULT_TRACE_EXPORT : format);
+    }
+    if (section.isCloseAfterTest()) {
+        controller->closeDiscard();
+    }
+}
+
+void CTestCase::finalizeCoverage(std::shared_ptr<CCoverageController> controller, const CTestCoverage& section)
+{
+    if (section.getRunMode() == CTestCoverage::rmOff) {
+        return;
+    }
+    if (!controller) {
+        throw IllegalStateException(KX_POS, "Internal error - coverage is ON, but coverage controller does not exist!");
+    }
+    controller->stop();
+    if (section.isSaveAfterTest()) {
+        controller->save();
+    }
+    if (!section.getExportFileName().empty()) {
+        const std::string format = section.getExportFormat();
+        controller->exportAs(0, section.getExportFileName(),
+                             static_cast<DWORD>(coverageExportFormat(format.empty() ? DEFAULT_COVERAGE_EXPORT : format)));
+    }
+    const std::string bitmapFile = section.getBitmapFileName();
+    if (!bitmapFile.empty()) {
+        CCoverageController::RangeVector ranges;
+        controller->getActiveRanges(ranges, MAX_COVERAGE_RANGES);
+        std::FILE* file = std::fopen(bitmapFile.c_str(), "wb");
+        if (file == nullptr) {
+            throw IOException(KX_POS, "Can not open coverage bitmap file: " + bitmapFile);
+        }
+        try {
+            for (const SCoverageRange& range : ranges) {
+                VectorBYTE bitmap;
+                controller->getCoverageBitmap(range.m_aAddress, range.m_aEnd, bitmap);
+                if (std::fwrite(bitmap.data(), 1, bitmap.size(), file) != bitmap.size()) {
+                    throw IOException(KX_POS, "Can not write all data to coverage bitmap file: " + bitmapFile);
+                }
+            }
+        } catch (...) {
+            std::fclose(file);
+            throw;
+        }
+        if (std::fclose(file) != 0) {
+            throw IOException(KX_POS, "Can not close covearge bitmap file: " + bitmapFile);
+        }
+    }
+    if (section.isCloseAfterTest()) {
+        controller->closeDiscard();
+    }
+}
+
+void CTestCase::finalizeProfiler(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                                 const StrStrMap& variables)
+{
+    if (section.getRunMode() == CTestProfiler::rmOff || !controller) {
+        return;
+    }
+    controller->waitUntilLoaded(0, 100);
+    if (!section.getOutputFileName().empty()) {
+        const std::string fileName = CUtil::substVars(section.getOutputFileName(), variables);
+        profilerResultsToYaml(fileName, section.isForceOverwrite(), section.isSaveHistory(), controller);
+    }
+}
+
+void CTestCase::getCoverageResults(std::shared_ptr<CCoverageController> controller, const CTestCoverage& section,
+                                   CoverageStatisticMap& results)
+{
+    if (!controller || section.getRunMode() == CTestCoverage::rmOff) {
+        return;
+    }
+    for (int i = 0; i < section.getStatisticsSize(); ++i) {
+        const std::string function = section.getStatistics(i)->getFunctionName();
+        results[function] = controller->getStatisticsForSymbol(function);
+    }
+}
+
+void CTestCase::getProfilerCodeResults(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                                       ProfilerStatisticMap& results)
+{
+    if (!controller || section.getRunMode() == CTestProfiler::rmOff) {
+        return;
+    }
+    for (const auto& area : section.getCodeAreas()) {
+        const CAreaProperties properties = controller->getAreaProperties(area->getAreaName());
+        ProfilerStatisticVector list;
+        controller->getStatisticsForHandle(properties.getHandle(), MAX_CODE_STATISTICS, list);
+        if (list.size() > 1) {
+            IOException e(KX_POS, "Invalid size of profiler code statistics vector - greater than 1!");
+            e.add("statSize", static_cast<int>(list.size()));
+            throw e;
+        }
+        if (!list.empty()) {
+            results[area->getAreaName()] = list.front();
+        }
+    }
+}
+
+void CTestCase::getProfilerDataResults(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                                       ProfilerStatisticVectorMap& results)
+{
+    if (!controller || section.getRunMode() == CTestProfiler::rmOff) {
+        return;
+    }
+    for (const auto& area : section.getDataAreas()) {
+        if (results.count(area->getAreaName()) != 0) {
+            continue;
+        }
+        ProfilerStatisticVector& values = results[area->getAreaName()];
+        const CAreaProperties properties = controller->getAreaProperties(area->getAreaName());
+        ProfilerStatisticVector list;
+        controller->getStatisticsForHandle(properties.getHandle(), MAX_DATA_STATISTICS, list);
+        values.insert(values.end(), list.begin(), list.end());
+    }
+}
+
+std::string CTestCase::verifyCoverage(const CTestCoverage& section, std::shared_ptr<CCoverageController> controller)
+{
+    CCoverageController& coverage = required(controller, "Coverage controller");
+    std::ostringstream errors;
+    for (int i = 0; i < section.getStatisticsSize(); ++i) {
+        const CTestCoverageStatistics& expected = *section.getStatistics(i);
+        const CSymbolInfo info = debugFacade().getSymbolInfo(FUNCTION_SYMBOL, expected.getFunctionName());
+        const DWORD start = info.getAddress();
+        const DWORD end = start + info.getSizeMAUs() - 1;
+        double counts[8] = {};
+        for (DWORD kind = csftBytes; kind <= csftBranchesBoth; ++kind) {
+            counts[kind] = coverage.getCoverageStatistics(kind, start, end);
+        }
+        const std::string name = debugFacade().getSymbolAtAddress(0, info.getMemArea(), start);
+        const struct {
+            const char* item;
+            float expected;
+            double measured;
+        } rows[] = {
+            {"bytes executed", expected.getBytesExecuted(), 100.0 * counts[csftBytesExec] / counts[csftBytes]},
+            {"branches executed", expected.getBranchExecuted(), 100.0 * counts[csftBranchesExec] / counts[csftBranches]},
+            {"branches taken", expected.getBranchTaken(), 100.0 * counts[csftBranchesTaken] / counts[csftBranches]},
+            {"branches not taken", expected.getBranchNotTaken(),
+             100.0 * counts[csftBranchesNotTaken] / counts[csftBranches]},
+            {"branches both", expected.getBranchBoth(), 100.0 * counts[csftBranchesBoth] / counts[csftBranches]},
+        };
+        for (const auto& row : rows) {
+            // Nothing in range gives NaN, which is never below what is expected.
+            if (row.expected > row.measured) {
+                errors << "Coverage Error:\n"
+                       << "  resultItem: " << row.item << "\n"
+                       << "  function: " << name << "\n"
+                       << "  expected: " << row.expected << "\n"
+                       << "  measured: " << row.measured << "\n";
+            }
+        }
+    }
+    return errors.str();
+}
+
+std::string CTestCase::verifyProfiler(const CTestProfiler& section, std::shared_ptr<CProfilerController> controller)
+{
+    if (!controller || section.getRunMode() == CTestProfiler::rmOff) {
+        return "";
+    }
+    std::ostringstream errors;
+    for (const auto& area : section.getCodeAreas()) {
+        ProfilerStatisticVector list;
+        controller->getStatisticsForHandle(controller->getAreaProperties(area->getAreaName()).getHandle(),
+                                           MAX_CODE_STATISTICS, list);
+        checkProfilerArea(*area, list, false, errors);
+    }
+    for (const auto& area : section.getDataAreas()) {
+        ProfilerStatisticVector list;
+        const DWORD handle = controller->getAreaProperties(area->getAreaName()).getHandle();
+        controller->getStatisticsForValue(handle, static_cast<DWORD>(area->getAreaValue()), MAX_CODE_STATISTICS, list);
+        checkProfilerArea(*area, list, true, errors);
+    }
+    return errors.str();
+}
+
+void CTestCase::checkProfilerArea(const CProfilerArea& area, const ProfilerStatisticVector& measured, bool isDataArea,
+                                  std::ostream& errors)
+{
+    for (const CProfilerStatistic& entry : measured) {
+        const std::string suffix = isDataArea ? " (data val = " + decimal(area.getAreaValue()) + ")" : "";
+        const struct {
+            const char* item;
+            MinMaxLimits limits;
+            long long value;
+        } rows[] = {
+            {"min", area.getMinTime(), entry.getMinTime()},
+            {"max", area.getMaxTime(), entry.getMaxTime()},
+            {"total", area.getTotalTime(), entry.getTotalTime()},
+            {"hits", area.getHits(), static_cast<long long>(entry.getNumHits())},
+        };
+        for (const auto& row : rows) {
+            if (!row.limits.m_isDefined || (row.value >= row.limits.m_min && row.value <= row.limits.m_max)) {
+                continue;
+            }
+            errors << "Profiler Error: Profiler result is outside of range!\n"
+                   << "  resultItem: " << row.item << suffix << "\n"
+                   << "  area: " << area.getAreaName() << "\n"
+                   << "  expectedMin: " << row.limits.m_min << "\n"
+                   << "  expectedMax: " << row.limits.m_max << "\n"
+                   << "  measuredValue: " << row.value << "\n";
+        }
+    }
+}
+
+void CTestCase::profilerResultsToYaml(const std::string& fileName, bool isForceOverwrite, bool isSaveHistory,
+                                      std::shared_ptr<CProfilerController> controller)
+{
+    if (!controller) {
+        return;
+    }
+    if (!isForceOverwrite && std::ifstream(fileName).good()) {
+        IOException e(KX_POS, "Profiler output file already exists, and forceOverwrite == false!");
+        e.add("fileName", fileName);
+        throw e;
+    }
+    auto stream = std::make_shared<CFileStream>(fileName);
+    if (!stream->getStream()) {
+        throw IOException(KX_POS, "Can not open file for writing profiler output: " + fileName);
+    }
+    auto emitter = std::make_shared<CYAMLEmitter>(stream);
+    emitter->startStream();
+    emitter->startDocument(false);
+    emitter->writeMapStart(CYAMLMap());
+    emitter->write(std::string("statistics"));
+    emitter->writeSequenceStart(CYAMLSequence());
+    DWORD size = STATISTICS_STEP;
+    ProfilerStatisticVector statistics;
+    controller->getStatisticsAll(size, statistics);
+    while (statistics.size() == size && size < MAX_STATISTICS) {
+        size += STATISTICS_STEP;
+        statistics.clear();
+        controller->getStatisticsAll(size, statistics);
+    }
+    if (size >= MAX_STATISTICS) {
+        IllegalStateException e(KX_POS, "Statistics size exceeds max statistics size!");
+        e.add("statisticsSize", static_cast<int>(MAX_STATISTICS));
+        e.add("maxStatisticsSize", static_cast<int>(MAX_STATISTICS));
+        throw e;
+    }
+    for (const CProfilerStatistic& entry : statistics) {
+        emitter->mapStart();
+        emitter->writeMappingPair("handle", static_cast<unsigned int>(entry.getHandle()));
+        emitter->writeMappingPair("area", controller->getAreaProperties(entry.getHandle()).getName());
+        emitter->writeMappingPair("value", static_cast<unsigned int>(entry.getValue()));
+        emitter->writeMappingPair("minTime", static_cast<long long>(entry.getMinTime()));
+        emitter->writeMappingPair("maxTime", static_cast<long long>(entry.getMaxTime()));
+        emitter->writeMappingPair("totalTime", static_cast<long long>(entry.getTotalTime()));
+        emitter->writeMappingPair("numHits", static_cast<unsigned int>(entry.getNumHits()));
+        emitter->mapEnd();
+    }
+    emitter->writeSequenceEnd();
+    if (isSaveHistory) {
+        writeProfilerHistory(*emitter, *controller);
+    }
+    emitter->writeMapEnd();
+    emitter->endDocument(false);
+    emitter->endStream();
+    stream->close();
+}
+
+void CTestCase::writeProfilerHistory(IEmitter& emitter, CProfilerController& controller)
+{
+    emitter.write(std::string("history"));
+    emitter.writeSequenceStart(CYAMLSequence());
+    DWORD index = 0;
+    std::map<DWORD, std::string> areaNames;
+    ProfilerHistoryVector block;
+    do {
+        block.clear();
+        controller.getHistoryAll(index, HISTORY_BLOCK, block);
+        for (const CProfilerHistory& entry : block) {
+            auto name = areaNames.find(entry.getHandle());
+            if (name == areaNames.end()) {
+                name = areaNames.emplace(entry.getHandle(), controller.getAreaProperties(entry.getHandle()).getName()).first;
+            }
+            emitter.mapStart();
+            emitter.writeMappingPair("idx", static_cast<unsigned int>(index++));
+            emitter.writeMappingPair("handle", static_cast<unsigned int>(entry.getHandle()));
+            emitter.writeMappingPair("area", name->second);
+            emitter.writeMappingPair("value", static_cast<unsigned int>(entry.getValue()));
+            emitter.writeMappingPair("hitTime", static_cast<long long>(entry.getHitTime()));
+            emitter.mapEnd();
+        }
+    } while (block.size() == HISTORY_BLOCK);
+    emitter.writeSequenceEnd();
 }
 
 } // namespace kestrix

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <ostream>
 #include <string>
 
 #include "CCoverageStatistic.h"
@@ -13,8 +14,15 @@
 
 namespace kestrix {
 
+class CAnalyzerDocController;
+class CCoverageController;
 class CDebugFacade;
+class CHILController;
 class CIDEController;
+class CProfilerController;
+class CTestHIL;
+class IEmitter;
+class CTestTrace;
 class CTestEnvironmentConfig;
 class ConnectionMgr;
 class CTestCaseController;
@@ -86,6 +94,41 @@ public:
     void evalSubExpressions(StrVector& names, const StrVector& formats, const std::string& expression,
                             StrStrMap& values, DWORD formatIndex, std::shared_ptr<CTestCaseController> ctrl);
 
+    // Analyzer steps: set up before the function runs, stopped and read after it. A section whose run
+    // mode is off, or a null controller, makes a step do nothing unless told otherwise.
+    /// A new analyzer document for the trace; null without a document name. The field keeps it.
+    std::shared_ptr<CAnalyzerDocController> createTraceController(const CTestTrace& section);
+    /// A new coverage document; an active section without a document name is refused.
+    std::shared_ptr<CCoverageController> createCoverageController(const CTestCoverage& section);
+    /// Made once, on the first active section, and kept.
+    std::shared_ptr<CProfilerController> createProfilerController(const CTestProfiler& section);
+    /// Made once, on the first section with parameters, and kept.
+    std::shared_ptr<CHILController> createHILController(const CTestHIL& section);
+    void configureTrace(std::shared_ptr<CAnalyzerDocController> controller, const CTestTrace& section);
+    void configureCoverage(std::shared_ptr<CCoverageController> controller, const CTestCoverage& section);
+    /// With no areas, the function under test is measured.
+    void configureProfiler(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                           const std::string& functionName);
+    void configureHIL(std::shared_ptr<CHILController> controller, const CTestHIL& section);
+    void finalizeTrace(std::shared_ptr<CAnalyzerDocController> controller, const CTestTrace& section);
+    void finalizeCoverage(std::shared_ptr<CCoverageController> controller, const CTestCoverage& section);
+    /// `variables` expand `${name}` in the output file name.
+    void finalizeProfiler(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                          const StrStrMap& variables);
+    void getCoverageResults(std::shared_ptr<CCoverageController> controller, const CTestCoverage& section,
+                            CoverageStatisticMap& results);
+    void getProfilerCodeResults(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                                ProfilerStatisticMap& results);
+    void getProfilerDataResults(std::shared_ptr<CProfilerController> controller, const CTestProfiler& section,
+                                ProfilerStatisticVectorMap& results);
+    /// One "Coverage Error:" block per expected value above its measurement; "" if all are met.
+    std::string verifyCoverage(const CTestCoverage& section, std::shared_ptr<CCoverageController> controller);
+    /// One "Profiler Error:" block per measurement outside its range; "" if all are in range.
+    std::string verifyProfiler(const CTestProfiler& section, std::shared_ptr<CProfilerController> controller);
+    /// The raw statistics, and with `isSaveHistory` the history, of the recording as YAML.
+    void profilerResultsToYaml(const std::string& fileName, bool isForceOverwrite, bool isSaveHistory,
+                               std::shared_ptr<CProfilerController> controller);
+
     /// Joins a run's expression messages and measured analyzer values with what the specification
     /// expects into one judged result.
     CTestResult getTestResults(std::shared_ptr<CTestSpecification> spec, const StrVector& expressionResults,
@@ -108,6 +151,13 @@ private:
     /// The first data area of `name` with (and then of `value`) or without a value; null if none.
     static const CProfilerArea* findDataArea(const ProfilerAreasVector& areas, const std::string& name,
                                              bool isWithValue, long long value);
+    /// The analyzer steps around the function under test.
+    void startAnalyzers(CTestSpecification& spec);
+    void stopAnalyzers(CTestSpecification& spec);
+    /// Checks one profiler area's measurements against its ranges into `errors`.
+    static void checkProfilerArea(const CProfilerArea& area, const ProfilerStatisticVector& measured,
+                                  bool isDataArea, std::ostream& errors);
+    static void writeProfilerHistory(IEmitter& emitter, CProfilerController& controller);
     /// Steps of a run from the values on, with the test initialized.
     void runInitializedTest(std::shared_ptr<CTestSpecification> spec, StrVector& results,
                             std::shared_ptr<CTestCaseController> ctrl);
@@ -118,6 +168,10 @@ private:
     ICustomFunctions* callbackObject = nullptr;
     std::shared_ptr<ConnectionMgr> connectionMgr;
     std::shared_ptr<CDebugFacade> debug;
+    std::shared_ptr<CAnalyzerDocController> traceController;
+    std::shared_ptr<CCoverageController> coverageController;
+    std::shared_ptr<CProfilerController> profilerController;
+    std::shared_ptr<CHILController> hilController;
     std::shared_ptr<CIDEController> ideController;
     CoverageStatisticMap coverageResults;
     ProfilerStatisticMap profilerCodeResults;
