@@ -105,7 +105,7 @@ public sealed class TestFileRun {
     string counter = outcomes.Count.ToString().PadLeft(total.ToString().Length) + "/" + total;
     string time = outcome.IsSkipped ? "" : "  " + (outcome.Seconds * 1000).ToString("0.00") + " ms";
     Console.WriteLine("[" + counter + "] " + verdict + "  " + outcome.Id + time);
-    foreach (string line in outcome.FailureLines()) {
+    foreach (string line in outcome.RunFailureLines().Concat(outcome.AnalyzerLines())) {
       Console.WriteLine("        " + line);
     }
   }

@@ -1,5 +1,6 @@
 // One test of a file as the runner saw it: where it sits in the tree, and its judged result.
 using System.Collections.Generic;
+using System.Linq;
 
 public sealed class TestOutcome {
   public TestOutcome(CTestSpecification flat, string path) {
@@ -19,8 +20,17 @@ public sealed class TestOutcome {
   public bool IsSkipped { get { return Result == null; } }
   public bool IsFailed { get { return Result != null && Result.isError(); } }
 
-  /// The failed expressions, each with the values of its operands, one line each.
+  /// Why the test failed: the failed expressions with the values of their operands, why the run
+  /// broke off, the analyzer figures outside their limits; one line each.
   public IEnumerable<string> FailureLines() {
+    if (Result == null || !Result.isError()) {
+      return new string[0];
+    }
+    return RunFailureLines().Concat(AnalyzerLines().Where(line => line.StartsWith("! ")));
+  }
+
+  /// The failed expressions or the failure that broke the run off.
+  public IEnumerable<string> RunFailureLines() {
     if (Result == null || !Result.isError()) {
       yield break;
     }
@@ -39,11 +49,84 @@ public sealed class TestOutcome {
         }
       }
     }
-    if (Result.isCodeCoverageError()) {
-      yield return "coverage below what the test expects";
+  }
+
+  /// The measured coverage and profiler figures of the test, one line per function, area or value,
+  /// with what the test expects; "!" marks a figure outside its limits.
+  public IEnumerable<string> AnalyzerLines() {
+    if (Result == null || Result.isException()) {
+      yield break;
     }
-    if (Result.isProfilerCodeError() || Result.isProfilerDataError()) {
-      yield return "profiler measurements outside the test's limits";
+    var coverage = new StrCoverageTestResultsMap();
+    Result.getCoverageResults(coverage);
+    foreach (string function in coverage.Keys) {
+      yield return CoverageLine(function, coverage[function]);
     }
+    var code = new StrProfilerTestResultsMap();
+    Result.getProfilerCodeResults(code);
+    foreach (string area in code.Keys) {
+      foreach (string line in ProfilerLines("profiler " + area, code[area])) {
+        yield return line;
+      }
+    }
+    var data = new StrProfilerTestResultsVectorMap();
+    Result.getProfilerDataResults(data);
+    foreach (string variable in data.Keys) {
+      foreach (CProfilerTestResult result in data[variable]) {
+        string name = "profiler " + variable + (result.isValueSet() ? " = " + result.getValue() : "");
+        foreach (string line in ProfilerLines(name, result)) {
+          yield return line;
+        }
+      }
+    }
+  }
+
+  static string CoverageLine(string function, CCoverageTestResult result) {
+    CCoverageStatistic measured = result.getMeasuredResults();
+    CCoverageTestExpected expected = result.getExpectedResults();
+    string text = "coverage " + function + ": bytes " + Share(measured.getBytesExecutedAbs(), measured.getBytesAll(),
+                                                             expected.getBytesExecutedRel(), result.isBytesExecutedError());
+    if (measured.getBranchesAll() > 0) {
+      uint all = measured.getBranchesAll();
+      text += "; branches executed " + Share(measured.getBranchesExecutedAbs(), all, expected.getBranchesExecutedRel(),
+                                             result.isBranchesExecutedError()) +
+              ", taken " + Share(measured.getBranchesTakenAbs(), all, expected.getBranchesTakenRel(),
+                                 result.isBranchesTakenError()) +
+              ", not taken " + Share(measured.getBranchesNotTakenAbs(), all, expected.getBranchesNotTakenRel(),
+                                     result.isBranchesNotTakenError()) +
+              ", both " + Share(measured.getBranchesBothAbs(), all, expected.getBranchesBothRel(),
+                                result.isBranchesBothError());
+    }
+    return text;
+  }
+
+  // "42/50 (84.0%, expects 100%)"
+  static string Share(uint count, uint all, double expected, bool isError) {
+    string percent = all == 0 ? "-" : (100.0 * count / all).ToString("0.0") + "%";
+    string expects = expected > 0 ? ", expects " + (100.0 * expected).ToString("0.#") + "%" : "";
+    return (isError ? "! " : "") + count + "/" + all + " (" + percent + expects + ")";
+  }
+
+  static IEnumerable<string> ProfilerLines(string name, CProfilerTestResult result) {
+    var measured = new ProfilerStatisticVector();
+    result.getMeasuredResults(measured);
+    string mark = result.isError() ? "! " : "";
+    if (measured.Count == 0) {
+      yield return mark + name + ": not hit" + Limits("hits", result.getHitsExpected());
+      yield break;
+    }
+    foreach (CProfilerStatistic entry in measured) {
+      yield return mark + name + ": hits " + entry.getNumHits() + Limits("", result.getHitsExpected()) +
+                   ", total " + entry.getTotalTime() + Limits("", result.getTotalTimeExpected()) +
+                   ", min " + entry.getMinTime() + Limits("", result.getMinTimeExpected()) +
+                   ", max " + entry.getMaxTime() + Limits("", result.getMaxTimeExpected());
+    }
+  }
+
+  static string Limits(string what, MinMaxLimits limits) {
+    if (!limits.m_isDefined) {
+      return "";
+    }
+    return " [" + (what.Length > 0 ? what + " " : "") + limits.m_min + ".." + limits.m_max + "]";
   }
 }
