@@ -31,6 +31,13 @@ struct CoverageCounts {
         }
     }
 
+    bool operator==(const CoverageCounts& other) const
+    {
+        return bytes == other.bytes && bytesExecuted == other.bytesExecuted && branches == other.branches
+               && branchesExecuted == other.branchesExecuted && taken == other.taken && notTaken == other.notTaken
+               && both == other.both;
+    }
+
     CoverageCounts& operator+=(const CoverageCounts& other)
     {
         bytes += other.bytes;

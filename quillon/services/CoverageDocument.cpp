@@ -241,7 +241,8 @@ void CoverageDocument::write(std::ostream& out) const
     }
     out << "active " << active << '\n';
     const SpanSet& areas = m_marks.areas();
-    for (const SpanSet::Span& span : m_marks.spansWith(CoverageMarks::Executed, 0, areas.empty() ? 0 : areas.spans().back().end).spans()) {
+    const SpanSet executed = m_marks.spansWith(CoverageMarks::Executed, 0, areas.empty() ? 0 : areas.spans().back().end);
+    for (const SpanSet::Span& span : executed.spans()) {
         out << "executed " << hex(span.begin) << ' ' << hex(span.end - 1) << '\n';
     }
     for (const SpanSet::Span& area : areas.spans()) {

@@ -66,7 +66,8 @@ void CoverageMarks::clear(std::uint8_t bits)
 
 void CoverageMarks::set(std::uint64_t begin, std::uint64_t end, std::uint8_t bits)
 {
-    for (const SpanSet::Span& span : m_areaSet.intersection(begin, end).spans()) {
+    const SpanSet spans = m_areaSet.intersection(begin, end);
+    for (const SpanSet::Span& span : spans.spans()) {
         std::uint8_t* first = at(static_cast<std::uint32_t>(span.begin));
         for (std::uint64_t i = 0; i < span.size(); ++i) {
             first[i] |= bits;
@@ -77,7 +78,8 @@ void CoverageMarks::set(std::uint64_t begin, std::uint64_t end, std::uint8_t bit
 SpanSet CoverageMarks::spansWith(std::uint8_t bits, std::uint64_t begin, std::uint64_t end) const
 {
     SpanSet result;
-    for (const SpanSet::Span& span : m_areaSet.intersection(begin, end).spans()) {
+    const SpanSet spans = m_areaSet.intersection(begin, end);
+    for (const SpanSet::Span& span : spans.spans()) {
         const Area* area = areaOf(static_cast<std::uint32_t>(span.begin));
         std::uint64_t runStart = 0;
         bool inRun = false;

@@ -86,3 +86,11 @@ int main(void)
         __asm volatile("bkpt #1");
     }
 }
+
+/* Runs until stopped: a target that is busy. */
+void spin_forever(void)
+{
+    for (;;) {
+        ++g_notes;
+    }
+}
