@@ -74,7 +74,7 @@ namespace quillon {
 ///     trigger name 'Trigger0' in '<key>' is built in
 ///     duplicate HIL channel name '<name>' in '<key>' (first on line <n>)
 ///     unknown HIL channel kind '<text>' for '<key>' (digital, analog, integer)
-///     bad value '<text>' for '<key>' (a <kind> value)
+///     bad value '<text>' for '<key>' (a value of kind '<kind>')
 /// and, once the memory is known (TargetBuilder),
 ///     <what> at <0x hex address> in '<key>' lies in no writable memory area
 /// for the terminal's UART and the HIL channels.

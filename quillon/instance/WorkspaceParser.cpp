@@ -362,8 +362,8 @@ void WorkspaceParser::parseHilChannel(Node* map, const std::string& key)
     }
     const auto kind = *services::HilChannel::kindNamed(channel.kind);
     if (channel.initial && !services::HilChannel::parse(kind, *channel.initial)) {
-        fail(initialNode, "bad value '" + *channel.initial + "' for '" + join(key, "initial") + "' (a "
-                              + channel.kind + " value)");
+        fail(initialNode, "bad value '" + *channel.initial + "' for '" + join(key, "initial") + "' (a value of kind '"
+                              + channel.kind + "')");
     }
     m_workspace.m_hilChannels.push_back(std::move(channel));
 }
