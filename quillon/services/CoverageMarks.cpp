@@ -48,6 +48,16 @@ const CoverageMarks::Area* CoverageMarks::areaOf(std::uint32_t address) const
     return nullptr;
 }
 
+CoverageMarks::Block CoverageMarks::blockOf(std::uint32_t address)
+{
+    for (Area& area : m_areas) {
+        if (address - area.start < area.bytes.size()) {
+            return Block{area.start, static_cast<std::uint32_t>(area.bytes.size()), area.bytes.data()};
+        }
+    }
+    return Block{};
+}
+
 std::uint8_t CoverageMarks::get(std::uint32_t address) const
 {
     const Area* area = areaOf(address);

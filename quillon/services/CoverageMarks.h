@@ -40,6 +40,14 @@ public:
     }
     std::uint8_t get(std::uint32_t address) const;
 
+    /// The marks of the area that holds an address, for callers that keep them at hand; all 0 outside.
+    struct Block {
+        std::uint32_t start = 0;
+        std::uint32_t size = 0;
+        std::uint8_t* bytes = nullptr;
+    };
+    Block blockOf(std::uint32_t address);
+
     /// Clears the given bits everywhere.
     void clear(std::uint8_t bits);
     /// Sets bits on every byte of [begin, end) that lies in the areas.

@@ -18,17 +18,49 @@ void CoverageRecorder::onInstruction(std::uint32_t address, std::uint32_t size, 
         *m_pendingBranch |= address == m_fallThrough ? CoverageMarks::NotTaken : CoverageMarks::Taken;
         m_pendingBranch = nullptr;
     }
-    std::uint8_t* mark = m_marks.at(address);
+    std::uint8_t* mark = address - m_areaStart < m_areaSize ? m_areaBytes + (address - m_areaStart) : lookUp(address);
     if (mark == nullptr) {
         return;
     }
+    // Most instructions have run before and have nothing left to tell: a plain one, or a branch whose outcomes are
+    // both known or not asked for. A branch still to follow only waits for the next instruction.
+    constexpr auto known = CoverageMarks::Executed | CoverageMarks::Decoded;
+    constexpr auto settled = known | CoverageMarks::Taken | CoverageMarks::NotTaken;
+    const std::uint8_t bits = *mark;
+    if ((bits & (known | CoverageMarks::BranchStart)) == known || (bits & settled) == settled
+        || (!m_branches && (bits & known) == known)) {
+        return;
+    }
+    if ((bits & known) == known) {
+        m_pendingBranch = mark;
+        m_fallThrough = address + size;
+        return;
+    }
+    record(address, size, mark);
+}
+
+std::uint8_t* CoverageRecorder::lookUp(std::uint32_t address)
+{
+    std::uint8_t* mark = m_marks.at(address);
+    if (mark != nullptr) {
+        const CoverageMarks::Block block = m_marks.blockOf(address);
+        m_areaStart = block.start;
+        m_areaSize = block.size;
+        m_areaBytes = block.bytes;
+    }
+    return mark;
+}
+
+void CoverageRecorder::record(std::uint32_t address, std::uint32_t size, std::uint8_t* mark)
+{
     if (!(*mark & CoverageMarks::Decoded)) {
         decodeAt(address, mark);
     }
-    *mark |= CoverageMarks::Executed;
-    for (std::uint32_t i = 1; i < size; ++i) {
-        if (std::uint8_t* next = m_marks.at(address + i)) {
-            *next |= CoverageMarks::Executed;
+    if (!(*mark & CoverageMarks::Executed)) {
+        for (std::uint32_t i = 0; i < size; ++i) {
+            if (std::uint8_t* byte = m_marks.at(address + i)) {
+                *byte |= CoverageMarks::Executed;
+            }
         }
     }
     if ((*mark & CoverageMarks::BranchStart) && m_branches) {

@@ -31,6 +31,10 @@ public:
     void onInstruction(std::uint32_t address, std::uint32_t size, std::uint64_t cycle) override;
 
 private:
+    /// What the fast path of onInstruction leaves: the first run of an instruction, or a branch to follow.
+    void record(std::uint32_t address, std::uint32_t size, std::uint8_t* mark);
+    /// The marks of an address outside the cached area; caches the area that holds it.
+    std::uint8_t* lookUp(std::uint32_t address);
     void decodeAt(std::uint32_t address, std::uint8_t* mark);
 
     CoverageMarks& m_marks;
@@ -38,6 +42,9 @@ private:
     ThumbDecoder m_decoder;
     std::atomic<bool> m_recording{false};
     bool m_branches = true;
+    std::uint32_t m_areaStart = 0; ///< the area of the last lookup: its start, size and marks
+    std::uint32_t m_areaSize = 0;
+    std::uint8_t* m_areaBytes = nullptr;
     std::uint8_t* m_pendingBranch = nullptr; ///< marks of a branch whose outcome the next instruction tells
     std::uint32_t m_fallThrough = 0;
 };

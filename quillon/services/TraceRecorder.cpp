@@ -4,7 +4,7 @@
 
 namespace quillon::services {
 
-TraceRecorder::TraceRecorder(const target::Target& target) : m_target(target) {}
+TraceRecorder::TraceRecorder(const target::Target& target) : m_target(target), m_entryFilter(1u << 10, 0) {}
 
 void TraceRecorder::prepare(std::vector<TraceFunction> functions, bool instructions,
                             std::optional<std::uint32_t> startEntry)
@@ -13,8 +13,11 @@ void TraceRecorder::prepare(std::vector<TraceFunction> functions, bool instructi
               [](const TraceFunction& a, const TraceFunction& b) { return a.low < b.low; });
     m_functions = std::move(functions);
     m_entries.clear();
+    std::fill(m_entryFilter.begin(), m_entryFilter.end(), 0);
     for (std::size_t i = 0; i < m_functions.size(); ++i) {
         m_entries.emplace(m_functions[i].entry, i);
+        const std::size_t bit = filterBit(m_functions[i].entry);
+        m_entryFilter[bit >> 6] |= std::uint64_t{1} << (bit & 63);
     }
     m_nameOf.assign(m_functions.size(), TraceEvent::kNoFunction);
     m_instructions = instructions;
@@ -67,7 +70,7 @@ void TraceRecorder::onInstruction(std::uint32_t address, std::uint32_t size, std
     }
     bool isEntry = false;
     std::size_t function = 0;
-    const auto entry = m_entries.find(address);
+    const auto entry = mayBeEntry(address) ? m_entries.find(address) : m_entries.end();
     if (entry != m_entries.end()) {
         function = entry->second;
         const TraceFunction& f = m_functions[function];

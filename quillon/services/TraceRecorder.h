@@ -68,6 +68,12 @@ public:
 
 private:
     bool isCall(std::uint32_t address, std::uint32_t size) const;
+    static std::size_t filterBit(std::uint32_t address) { return (address >> 1) & 0xFFFF; }
+    bool mayBeEntry(std::uint32_t address) const
+    {
+        const std::size_t bit = filterBit(address);
+        return (m_entryFilter[bit >> 6] >> (bit & 63)) & 1u;
+    }
     std::uint32_t functionAt(std::uint32_t address);
     std::uint32_t nameIndex(std::size_t function);
     void push(const TraceEvent& event);
@@ -76,6 +82,9 @@ private:
     std::atomic<bool> m_recording{false};
     std::vector<TraceFunction> m_functions;               ///< by low address
     std::unordered_map<std::uint32_t, std::size_t> m_entries; ///< entry -> function
+    /// One bit for each halfword address modulo 2^17: set where some entry may be, so that most instructions
+    /// need no lookup of m_entries.
+    std::vector<std::uint64_t> m_entryFilter;
     std::vector<std::uint32_t> m_nameOf;                  ///< function -> index into m_names, or kNoFunction
     bool m_instructions = false;
     std::optional<std::uint32_t> m_waitFor;

@@ -94,3 +94,20 @@ void spin_forever(void)
         ++g_notes;
     }
 }
+
+/* A longer run of loops and branches, for timing: Collatz steps, restarted whenever they reach 1. */
+uint32_t mix(uint32_t rounds)
+{
+    uint32_t value = 27;
+    for (uint32_t i = 0; i < rounds; ++i) {
+        if (value & 1u) {
+            value = value * 3u + 1u;
+        } else {
+            value >>= 1;
+        }
+        if (value == 1u) {
+            value = i + 27u;
+        }
+    }
+    return value;
+}
