@@ -111,3 +111,12 @@ uint32_t mix(uint32_t rounds)
     }
     return value;
 }
+
+/* Recursion: each call enters the function again from inside it. */
+uint32_t depth(uint32_t n)
+{
+    if (n == 0u) {
+        return 0u;
+    }
+    return 1u + depth(n - 1u);
+}

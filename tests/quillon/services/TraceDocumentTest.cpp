@@ -88,6 +88,22 @@ TEST_F(TraceDocumentTest, RecordsEachFunctionEnteredInOrderAtItsEntry)
     EXPECT_EQ(recorded[1].cycle, cyclesBeforeMain() + 1) << "main's first instruction is the next after the stop";
 }
 
+TEST_F(TraceDocumentTest, ACallFromInsideTheFunctionEntersItAgain)
+{
+    // depth: 1c6 push, 1c8 cbnz, 1ca pop {pc}, 1cc subs, 1ce bl depth, 1d2 adds, 1d4 b 1ca. depth(3) enters four
+    // times, three of them by the bl inside it; the returns through 1ca back into it are no entries.
+    open();
+    documents->start(kDocument);
+    EXPECT_EQ(call("depth", {"3"}), "3");
+    documents->stop(kDocument);
+    EXPECT_EQ(entries(), (std::vector<std::string>{"depth", "depth", "depth", "depth"}));
+    const std::vector<TraceEvent> recorded = events();
+    ASSERT_EQ(recorded.size(), 4u);
+    for (std::size_t i = 1; i < recorded.size(); ++i) {
+        EXPECT_EQ(recorded[i].cycle, recorded[i - 1].cycle + 4) << "push, cbnz, subs and bl of the call before";
+    }
+}
+
 TEST_F(TraceDocumentTest, TheCsvExportHasAHeaderAndALineAnEventWithSimulatedTime)
 {
     open();
