@@ -28,7 +28,11 @@ SWIGEXPORT void* SWIGSTDCALL CSharp_##DERIVED##_SWIGSharedPtrUpcast(void* derive
 
 KX_SHARED_UPCAST(CFileStream, IStream)
 KX_SHARED_UPCAST(CStringStream, IStream)
+KX_SHARED_UPCAST(CAnalyzerDocController, CDocumentController)
+KX_SHARED_UPCAST(CCoverageController, CAnalyzerDocController)
 KX_UPCAST(SType2, SType)
+KX_UPCAST(IVariableDescriptor, IItemDescriptor)
+KX_UPCAST(IElementDescriptor, IItemDescriptor)
 KX_UPCAST(OrbelDebug2, OrbelDebug)
 KX_UPCAST(OrbelIDE2, OrbelIDE)
 KX_UPCAST(OrbelIDE3, OrbelIDE2)

@@ -27,6 +27,8 @@
 %include "Connection.i"
 %include "Debug.i"
 %include "IDE.i"
+%include "Documents.i"
+%include "HIL.i"
 %include "TestRun.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.

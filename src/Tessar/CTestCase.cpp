@@ -81,6 +81,12 @@ T& required(const std::shared_ptr<T>& pointer, const char* what)
     return *pointer;
 }
 
+/// The target records 32-bit values: an expected -1 is the measured 0xffffffff.
+bool isSameTargetValue(long long first, long long second)
+{
+    return static_cast<DWORD>(first) == static_cast<DWORD>(second);
+}
+
 } // namespace
 
 CTestCase::CTestCase(std::shared_ptr<ConnectionMgr> connectionMgr) : connectionMgr(std::move(connectionMgr))
@@ -584,7 +590,7 @@ StrProfilerTestResultsVectorMap CTestCase::judgeDataAreas(const ProfilerAreasVec
         ProfilerTestResultsVector& results = judged[area->getAreaName()];
         const bool isFound = std::any_of(results.begin(), results.end(), [&](const CProfilerTestResult& r) {
             return r.isValueSet() == area->isAreaValueSet() &&
-                   (!r.isValueSet() || r.getValue() == area->getAreaValue());
+                   (!r.isValueSet() || isSameTargetValue(r.getValue(), area->getAreaValue()));
         });
         if (!isFound) {
             results.emplace_back(*area, false);
@@ -604,8 +610,7 @@ const CProfilerArea* CTestCase::findDataArea(const ProfilerAreasVector& areas, c
         if (area->getAreaName() != name || area->isAreaValueSet() != isWithValue) {
             continue;
         }
-        // The target records 32-bit values: an expected -1 matches 0xffffffff.
-        if (!isWithValue || static_cast<DWORD>(area->getAreaValue()) == static_cast<DWORD>(value)) {
+        if (!isWithValue || isSameTargetValue(area->getAreaValue(), value)) {
             return area.get();
         }
     }

@@ -32,6 +32,10 @@ finished=(
   SScan_IN SScan_OUT SLine_IN SLine_OUT Scan
   CTestCaseController CTestVariableController CTestStubController ICustomFunctions
   CIDEController CIDEData COptionValue SOptionValue
+  CDocumentController CAnalyzerDocController CTerminalDocController CCoverageController
+  SCoverageRange CoverageRangeVector CHILController
+  IDescriptor IVectorVariableDescriptors IItemDescriptor IVariableDescriptor IElementDescriptor
+  IDataDescriptor IVectorElementDescriptors IEnumMap IVectorEnumMaps
 )
 # Free functions and registration exports, named whole.
 finished_names=(
@@ -46,7 +50,11 @@ finished_names=(
 allowed=(
   CSharp_CFileStream_SWIGSmartPtrUpcast
   CSharp_CStringStream_SWIGSmartPtrUpcast
+  CSharp_CAnalyzerDocController_SWIGSmartPtrUpcast
+  CSharp_CCoverageController_SWIGSmartPtrUpcast
   CSharp_SType2_SWIGUpcast
+  CSharp_IVariableDescriptor_SWIGUpcast
+  CSharp_IElementDescriptor_SWIGUpcast
   CSharp_OrbelDebug2_SWIGUpcast
   CSharp_OrbelIDE2_SWIGUpcast
   CSharp_OrbelIDE3_SWIGUpcast

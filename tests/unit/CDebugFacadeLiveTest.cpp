@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <utility>
 #include <memory>
@@ -24,6 +25,20 @@ namespace {
 
 const std::string BUILD_DIR = ORBEL_BUILD_DIR;
 const std::string FIRMWARE_FOLDER = std::string(KESTRIX_SOURCE_DIR) + "/examples/firmware";
+
+/// The number of the first line of the example firmware's `file` that holds `text`.
+unsigned lineOf(const std::string& file, const std::string& text)
+{
+    std::ifstream in(FIRMWARE_FOLDER + "/" + file);
+    std::string line;
+    for (unsigned number = 1; std::getline(in, line); ++number) {
+        if (line.find(text) != std::string::npos) {
+            return number;
+        }
+    }
+    ADD_FAILURE() << file << " has no line with '" << text << "'";
+    return 0;
+}
 
 class CDebugFacadeLiveTest : public ::testing::Test {
 protected:
@@ -165,7 +180,7 @@ TEST_F(CDebugFacadeLiveFirmwareTest, HitCountsAndConditionsChooseThePassThatStop
 // readable there.
 TEST_F(CDebugFacadeLiveFirmwareTest, LineAndAddressBreakpointsStopOnTheirLine)
 {
-    const unsigned storeLine = 24; // rb->data[rb->head] = c;
+    const unsigned storeLine = lineOf("ring_buffer.c", "rb->data[rb->head] = c;");
     const VectorDWORD addresses = debug->getAddressOfSourceLine("ring_buffer.c", storeLine);
     ASSERT_FALSE(addresses.empty());
     for (int byAddress = 0; byAddress < 2; ++byAddress) {
@@ -190,13 +205,14 @@ TEST_F(CDebugFacadeLiveFirmwareTest, StepsAndRunsUntilALocation)
 {
     ASSERT_EQ(0, debug->runUntilFunction("main", 2));
     EXPECT_EQ("main", functionAtPc());
-    const VectorDWORD filterLine = debug->getAddressOfSourceLine("main.c", 24);
+    const unsigned filterLineNumber = lineOf("main.c", "g_level = filter_step(adc_read(SENSOR_CHANNEL));");
+    const VectorDWORD filterLine = debug->getAddressOfSourceLine("main.c", filterLineNumber);
     ASSERT_FALSE(filterLine.empty());
     ASSERT_EQ(0, debug->runUntilAddress(0, filterLine[0], 2));
     EXPECT_EQ(filterLine[0], pc());
 
     debug->stepOverHigh();
-    EXPECT_EQ(25u, lineAtPc()) << "over adc_read and filter_step";
+    EXPECT_EQ(filterLineNumber + 1, lineAtPc()) << "over adc_read and filter_step";
     EXPECT_EQ("main", functionAtPc());
     EXPECT_TRUE(debug->getCPUStatus().isStopReasonStep());
 

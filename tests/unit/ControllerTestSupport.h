@@ -65,6 +65,19 @@ protected:
         return found;
     }
 
+    /// The script's lines without the wait lines that a slow machine may add.
+    std::vector<std::string> scriptLines() const
+    {
+        std::vector<std::string> lines;
+        std::istringstream text(loggedScript());
+        for (std::string line; std::getline(text, line);) {
+            if (line.find("waitUntil(") == std::string::npos) {
+                lines.push_back(line);
+            }
+        }
+        return lines;
+    }
+
     /// Answers GetLastError with an error message.
     void serverError(const std::string& text)
     {

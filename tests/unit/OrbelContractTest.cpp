@@ -8,6 +8,14 @@
 #include <type_traits>
 #include <vector>
 
+#include "IDataDescriptor.h"
+#include "IDescriptor.h"
+#include "IElementDescriptor.h"
+#include "IEnumMap.h"
+#include "IVariableDescriptor.h"
+#include "IVectorElementDescriptors.h"
+#include "IVectorEnumMaps.h"
+#include "IVectorVariableDescriptors.h"
 #include "Orbel.h"
 #include "OrbelBetaExtra.h"
 #include "OrbelCoverage.h"
@@ -180,6 +188,39 @@ TEST(OrbelContractTest, EveryOperationSitsAtItsPlace)
     };
     for (const auto& slot : slots) {
         EXPECT_EQ(slot.index, slot.place + 2) << slot.name;
+    }
+#else
+    GTEST_SKIP() << "slot check reads the x86 Itanium member pointer";
+#endif
+}
+
+// Place n of an interface not based on IUnknown is vtable index n - 1; a derived one goes on
+// behind its base's members.
+#define KX_MEMBER(Interface, Operation, Place) {#Interface "::" #Operation, vtableIndex(&Interface::Operation), Place - 1}
+
+TEST(OrbelContractTest, DescriptorMembersSitAtTheirPlaces)
+{
+#if defined(__x86_64__) || defined(__i386__)
+    const struct {
+        const char* name;
+        long index;
+        long expected;
+    } slots[] = {
+        {"IDescriptor::VariableDescriptors", vtableIndex(&IDescriptor::VariableDescriptors), 1 + 2},
+        KX_MEMBER(IVectorVariableDescriptors, size, 1), KX_MEMBER(IVectorVariableDescriptors, at, 2),
+        KX_MEMBER(IVectorElementDescriptors, size, 1), KX_MEMBER(IVectorElementDescriptors, at, 2),
+        KX_MEMBER(IVectorEnumMaps, size, 1), KX_MEMBER(IVectorEnumMaps, at, 2),
+        KX_MEMBER(IItemDescriptor, Name, 1), KX_MEMBER(IItemDescriptor, DataDescriptor, 2),
+        KX_MEMBER(IItemDescriptor, Dimension, 3), KX_MEMBER(IItemDescriptor, ArrayIndex, 4),
+        KX_MEMBER(IItemDescriptor, Info, 5), KX_MEMBER(IItemDescriptor, Options, 6),
+        KX_MEMBER(IVariableDescriptor, Data, 7), KX_MEMBER(IElementDescriptor, Offset, 7),
+        KX_MEMBER(IDataDescriptor, Type, 1), KX_MEMBER(IDataDescriptor, Size, 2), KX_MEMBER(IDataDescriptor, Struct, 3),
+        KX_MEMBER(IDataDescriptor, Enum, 4), KX_MEMBER(IDataDescriptor, Container, 5),
+        KX_MEMBER(IEnumMap, Value, 1), KX_MEMBER(IEnumMap, Name, 2), KX_MEMBER(IEnumMap, Info, 3),
+        KX_MEMBER(IEnumMap, Options, 4),
+    };
+    for (const auto& slot : slots) {
+        EXPECT_EQ(slot.expected, slot.index) << slot.name;
     }
 #else
     GTEST_SKIP() << "slot check reads the x86 Itanium member pointer";

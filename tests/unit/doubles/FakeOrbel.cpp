@@ -199,7 +199,12 @@ public:
         return script.versionResult;
     }
 
-    HRESULT Document(DWORD, const char*, const char*, DWORD) override { return E_NOTIMPL; }
+    HRESULT Document(DWORD flags, const char* fileName, const char* strParameter, DWORD dwParameter) override
+    {
+        record(std::string(m_ownName) + ".Document(" + hex(flags) + ", " + textOf(fileName) + ", " +
+               textOf(strParameter) + ", " + std::to_string(dwParameter) + ")");
+        return answer(g_state.script.ide.document, flags, fileName, strParameter, dwParameter);
+    }
     HRESULT Workspace(DWORD, const char*) override { return E_NOTIMPL; }
     HRESULT Application(DWORD command, SApplicationData* data) override
     {
@@ -416,14 +421,47 @@ class FakeCoverage : public Fake<OrbelCoverage> {
 public:
     FakeCoverage() : Fake<OrbelCoverage>("OrbelCoverage") {}
 
-    HRESULT GetLastError(const char*, DWORD, DWORD*, char*, DWORD) override { return E_NOTIMPL; }
-    HRESULT GetInfo(const char*, DWORD, DWORD*) override { return E_NOTIMPL; }
-    HRESULT SetConfiguration(const char*, DWORD, const char*, DWORD) override { return E_NOTIMPL; }
+    HRESULT GetLastError(const char* fileName, DWORD reserved, DWORD* errorClass, char* text, DWORD size) override
+    {
+        record("Coverage.GetLastError(" + textOf(fileName) + ", " + std::to_string(reserved) + ", " +
+               std::to_string(size) + ")");
+        return answer(answers().getLastError, errorClass, text, size);
+    }
+    HRESULT GetInfo(const char* fileName, DWORD what, DWORD* value) override
+    {
+        record("Coverage.GetInfo(" + textOf(fileName) + ", " + std::to_string(what) + ")");
+        return answer(answers().getInfo, what, value);
+    }
+    HRESULT SetConfiguration(const char* fileName, DWORD item, const char* text, DWORD value) override
+    {
+        record("Coverage.SetConfiguration(" + textOf(fileName) + ", " + std::to_string(item) + ", '" + textOf(text) +
+               "', " + std::to_string(value) + ")");
+        return answer(answers().setConfiguration, item, text, value);
+    }
     HRESULT Reserved4() override { return E_NOTIMPL; }
     HRESULT Reserved5() override { return E_NOTIMPL; }
-    HRESULT GetRanges(const char*, DWORD, DWORD*, SCoverageRange*, const char*, DWORD) override { return E_NOTIMPL; }
-    HRESULT GetBitmap(const char*, DWORD, DWORD, DWORD, DWORD, BYTE*) override { return E_NOTIMPL; }
-    HRESULT GetStatistics(const char*, DWORD, DWORD, DWORD, DWORD*) override { return E_NOTIMPL; }
+    HRESULT GetRanges(const char* fileName, DWORD kind, DWORD* count, SCoverageRange* ranges, const char* name,
+                      DWORD rangeType) override
+    {
+        record("Coverage.GetRanges(" + textOf(fileName) + ", " + std::to_string(kind) + ", " +
+               std::to_string(*count) + ", '" + textOf(name) + "', " + std::to_string(rangeType) + ")");
+        return answer(answers().getRanges, kind, count, ranges, name, rangeType);
+    }
+    HRESULT GetBitmap(const char* fileName, DWORD reserved, DWORD start, DWORD end, DWORD size, BYTE* bitmap) override
+    {
+        record("Coverage.GetBitmap(" + textOf(fileName) + ", " + std::to_string(reserved) + ", " + hex(start) + ", " +
+               hex(end) + ", " + std::to_string(size) + ")");
+        return answer(answers().getBitmap, start, end, size, bitmap);
+    }
+    HRESULT GetStatistics(const char* fileName, DWORD type, DWORD start, DWORD end, DWORD* value) override
+    {
+        record("Coverage.GetStatistics(" + textOf(fileName) + ", " + std::to_string(type) + ", " + hex(start) + ", " +
+               hex(end) + ")");
+        return answer(answers().getStatistics, type, start, end, value);
+    }
+
+private:
+    static fakeorbel::CoverageAnswers& answers() { return g_state.script.coverage; }
 };
 
 class FakeTest : public Fake<OrbelTest> {
@@ -526,9 +564,25 @@ class FakeHIL : public Fake<OrbelHIL> {
 public:
     FakeHIL() : Fake<OrbelHIL>("OrbelHIL") {}
 
-    HRESULT Read(DWORD, DWORD, const char*, char*, DWORD) override { return E_NOTIMPL; }
-    HRESULT Write(DWORD, DWORD, const char*) override { return E_NOTIMPL; }
-    HRESULT GetInfo(DWORD, SHILInfo*) override { return E_NOTIMPL; }
+    HRESULT Read(DWORD flags1, DWORD flags2, const char* paths, char* buffer, DWORD size) override
+    {
+        record("HIL.Read(" + hex(flags1) + ", " + hex(flags2) + ", " + textOf(paths) + ", " + std::to_string(size) +
+               ")");
+        return answer(answers().read, flags1, flags2, paths, buffer, size);
+    }
+    HRESULT Write(DWORD flags1, DWORD flags2, const char* values) override
+    {
+        record("HIL.Write(" + hex(flags1) + ", " + hex(flags2) + ", " + textOf(values) + ")");
+        return answer(answers().write, flags1, flags2, values);
+    }
+    HRESULT GetInfo(DWORD size, SHILInfo* info) override
+    {
+        record("HIL.GetInfo(" + std::to_string(size) + ", " + hex(info->m_dwFlags) + ")");
+        return answer(answers().getInfo, size, info);
+    }
+
+private:
+    static fakeorbel::HilAnswers& answers() { return g_state.script.hil; }
 };
 
 FakeOrbel g_orbel;

@@ -17,6 +17,8 @@
 #include "SApplicationData.h"
 #include "SBatchAccessItemResult.h"
 #include "SCPUStatus.h"
+#include "SCoverageRange.h"
+#include "SHILInfo.h"
 #include "SOptionValue.h"
 #include "SQuillonVersionInfo.h"
 #include "SType.h"
@@ -73,12 +75,41 @@ struct IdeAnswers {
     std::function<HRESULT(DWORD, kestrix::SApplicationData*)> application;
     std::function<HRESULT(DWORD, const char*, const char*, kestrix::SOptionValue*)> option;
     std::function<HRESULT(kestrix::SQuillonVersionInfo*)> information;
+    /// Document(flags, fileName, strParameter, dwParameter).
+    std::function<HRESULT(DWORD, const char*, const char*, DWORD)> document;
+};
+
+/// Answers of the coverage operations, without the document's file name that each one takes.
+struct CoverageAnswers {
+    /// (error class, text buffer, its size).
+    std::function<HRESULT(DWORD*, char*, DWORD)> getLastError;
+    std::function<HRESULT(DWORD, DWORD*)> getInfo;
+    /// (item, text, value).
+    std::function<HRESULT(DWORD, const char*, DWORD)> setConfiguration;
+    /// (kind, count in and out, ranges, name, range type).
+    std::function<HRESULT(DWORD, DWORD*, kestrix::SCoverageRange*, const char*, DWORD)> getRanges;
+    /// (start, end, size, bitmap).
+    std::function<HRESULT(DWORD, DWORD, DWORD, BYTE*)> getBitmap;
+    /// (type, start, end, value).
+    std::function<HRESULT(DWORD, DWORD, DWORD, DWORD*)> getStatistics;
+};
+
+/// Answers of the HIL operations.
+struct HilAnswers {
+    /// (flags1, flags2, paths, buffer, size).
+    std::function<HRESULT(DWORD, DWORD, const char*, char*, DWORD)> read;
+    /// (flags1, flags2, values).
+    std::function<HRESULT(DWORD, DWORD, const char*)> write;
+    /// (size, record).
+    std::function<HRESULT(DWORD, kestrix::SHILInfo*)> getInfo;
 };
 
 /// What the double answers.
 struct Script {
     DebugAnswers debug;
     IdeAnswers ide;
+    CoverageAnswers coverage;
+    HilAnswers hil;
     HRESULT createResult = kestrix::S_OK;
     /// Interfaces (by name, "Orbel", "OrbelIDE3", ...) that QueryInterface refuses.
     std::vector<std::string> missing;
