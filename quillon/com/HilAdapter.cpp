@@ -68,11 +68,33 @@ HRESULT HilAdapter::Write(DWORD, DWORD, const char* values)
     });
 }
 
-HRESULT HilAdapter::GetInfo(DWORD, kestrix::SHILInfo*)
+HRESULT HilAdapter::GetInfo(DWORD size, kestrix::SHILInfo* info)
 {
-    return serve("OrbelHIL::GetInfo", [](services::HilService&) {
-        throw AnalyzerError(AnalyzerError::Kind::NotAvailable,
-                            "this Quillon gives no descriptors of its HIL channels; Read with no names lists them");
+    const char* name = "OrbelHIL::GetInfo";
+    return call(name, [&] {
+        const std::shared_ptr<Instance> instance = m_session.instance();
+        if (!instance) {
+            return fail(kestrix::ORBEL_E_NOT_CONNECTED, std::string(name) + ": not attached to a Quillon instance");
+        }
+        if (info == nullptr) {
+            return fail(kestrix::E_INVALIDARG, std::string(name) + ": no SHILInfo given");
+        }
+        if (size < sizeof(kestrix::SHILInfo)) {
+            return fail(kestrix::ORBEL_E_SIZE, std::string(name) + ": the record has " + std::to_string(size)
+                                                   + " bytes, not " + std::to_string(sizeof(kestrix::SHILInfo)));
+        }
+        const bool isAsked = (info->m_dwFlags & kestrix::OrbelHILFlags::hiDescriptor) != 0;
+        info->m_dwFlags = 0;
+        if (isAsked) {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            std::unique_ptr<HilDescriptor>& descriptor = m_descriptors[instance->id()];
+            if (!descriptor) {
+                descriptor = std::make_unique<HilDescriptor>(owner(), instance->hil().channels());
+            }
+            info->m_pIDescriptor = descriptor.get();
+            info->m_dwFlags = kestrix::OrbelHILFlags::hiDescriptor;
+        }
+        return kestrix::S_OK;
     });
 }
 

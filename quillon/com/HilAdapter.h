@@ -1,7 +1,13 @@
 #pragma once
 
 #include "OrbelHIL.h"
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
 #include "com/Adapter.h"
+#include "com/HilDescriptor.h"
 #include "com/Session.h"
 #include "services/AnalyzerError.h"
 
@@ -12,7 +18,8 @@ namespace quillon::com {
 /// ORBEL_E_SIZE. `Write` takes "name:value" pairs apart by commas or semicolons. The two flag words have no
 /// meaning here and are not looked at. An unknown channel answers ORBEL_E_BAD_ID, a bad text or value
 /// E_INVALIDARG, a write while the target runs ORBEL_E_ERROR, each with a message that names it. `GetInfo`
-/// answers ORBEL_E_NOT_AVAILABLE: this Quillon gives no descriptor objects of its channels.
+/// gives the descriptor of the instance's channels (HilDescriptor) when asked for it; it belongs to the automation
+/// object and stays valid while the object lives.
 class HilAdapter final : public Adapter<kestrix::OrbelHIL> {
 public:
     HilAdapter(kestrix::IUnknown& owner, LastError& lastError, Session& session)
@@ -29,6 +36,8 @@ private:
     static HRESULT codeOf(services::AnalyzerError::Kind kind);
 
     Session& m_session;
+    std::mutex m_mutex;
+    std::map<std::string, std::unique_ptr<HilDescriptor>> m_descriptors; ///< by instance id
 };
 
 } // namespace quillon::com

@@ -13,7 +13,12 @@
 #include "OrbelCoverageFlags.h"
 #include "OrbelFlags.h"
 #include "OrbelHIL.h"
+#include "IDescriptor.h"
+#include "IVariableDescriptor.h"
+#include "IVectorVariableDescriptors.h"
+#include "OrbelHILFlags.h"
 #include "OrbelIDE3.h"
+#include "SType.h"
 
 namespace quillon::com::test {
 namespace {
@@ -261,7 +266,7 @@ TEST_F(AnalyzerAdapterTest, HilReadsAndWritesChannelTexts)
     struct Failure {
         std::function<HRESULT()> call;
         HRESULT result;
-        const char* message;
+        std::string message;
     };
     const Failure failures[] = {
         {[&] { return hil->Read(0, 0, "Setpoint", buffer, 11); }, ORBEL_E_SIZE,
@@ -271,14 +276,61 @@ TEST_F(AnalyzerAdapterTest, HilReadsAndWritesChannelTexts)
         {[&] { return hil->Write(0, 0, "Gain:high"); }, E_INVALIDARG,
          "OrbelHIL::Write: bad value 'high' for analog HIL channel 'Gain'"},
         {[&] { return hil->Write(0, 0, nullptr); }, E_INVALIDARG, "OrbelHIL::Write: no values given"},
-        {[&] { return hil->GetInfo(sizeof(SHILInfo), nullptr); }, ORBEL_E_NOT_AVAILABLE,
-         "OrbelHIL::GetInfo: this Quillon gives no descriptors of its HIL channels; Read with no names lists them"},
+        {[&] { return hil->GetInfo(sizeof(SHILInfo), nullptr); }, E_INVALIDARG, "OrbelHIL::GetInfo: no SHILInfo given"},
+        {[&] {
+             SHILInfo info;
+             return hil->GetInfo(4, &info);
+         },
+         ORBEL_E_SIZE, "OrbelHIL::GetInfo: the record has 4 bytes, not " + std::to_string(sizeof(SHILInfo))},
     };
     for (const Failure& failure : failures) {
         SCOPED_TRACE(failure.message);
         EXPECT_EQ(failure.result, failure.call());
-        EXPECT_EQ(std::make_pair(ORBEL_S_MSG_FAIL, std::string(failure.message)), lastError());
+        EXPECT_EQ(std::make_pair(ORBEL_S_MSG_FAIL, failure.message), lastError());
     }
+}
+
+TEST_F(AnalyzerAdapterTest, TheDescriptorListsTheChannelsWithTheirTypesAndRegisters)
+{
+    SHILInfo info;
+    ASSERT_EQ(S_OK, hil->GetInfo(sizeof info, &info));
+    EXPECT_EQ(0u, info.m_dwFlags) << "not asked for";
+    info.m_dwFlags = OrbelHILFlags::hiDescriptor;
+    ASSERT_EQ(S_OK, hil->GetInfo(sizeof info, &info));
+    ASSERT_EQ(DWORD(OrbelHILFlags::hiDescriptor), info.m_dwFlags);
+    ASSERT_NE(nullptr, info.m_pIDescriptor);
+    IVectorVariableDescriptors* list = info.m_pIDescriptor->VariableDescriptors();
+    ASSERT_EQ(3u, list->size());
+    struct Expected {
+        const char* name;
+        const char* info;
+        DWORD address;
+        DWORD type;
+    };
+    const Expected expected[] = {{"Setpoint", "integer at 0x40020000", 0x40020000, SType::tSigned},
+                                 {"Gain", "analog at 0x40020004", 0x40020004, SType::tFloat},
+                                 {"Output", "integer at 0x40020008", 0x40020008, SType::tSigned}};
+    for (DWORD i = 0; i < 3; ++i) {
+        IVariableDescriptor* variable = list->at(i);
+        SCOPED_TRACE(expected[i].name);
+        EXPECT_STREQ(expected[i].name, variable->Name());
+        EXPECT_STREQ(expected[i].info, variable->Info());
+        EXPECT_EQ(expected[i].address, variable->Data());
+        EXPECT_EQ(0u, variable->Dimension());
+        EXPECT_EQ(expected[i].type, variable->DataDescriptor()->Type());
+        EXPECT_EQ(4u, variable->DataDescriptor()->Size());
+        EXPECT_EQ(nullptr, variable->DataDescriptor()->Struct());
+    }
+    EXPECT_EQ(nullptr, list->at(3));
+
+    SHILInfo again;
+    again.m_dwFlags = OrbelHILFlags::hiDescriptor;
+    ASSERT_EQ(S_OK, hil->GetInfo(sizeof again, &again));
+    EXPECT_EQ(info.m_pIDescriptor, again.m_pIDescriptor) << "one descriptor for the object's life";
+    void* queried = nullptr;
+    ASSERT_EQ(S_OK, info.m_pIDescriptor->QueryInterface(IID_IDescriptor, &queried));
+    EXPECT_EQ(static_cast<void*>(info.m_pIDescriptor), queried);
+    info.m_pIDescriptor->Release();
 }
 
 TEST_F(AnalyzerAdapterTest, WithoutAnInstanceEveryInterfaceSaysNotConnected)
