@@ -1,6 +1,6 @@
 # Sourced by ./test and ./run: installs the Debian packages the build needs, only those missing.
 packages=(cmake g++ make pkg-config libyaml-dev libgtest-dev libgmock-dev libbenchmark-dev swig mono-mcs mono-runtime
-  libunicorn-dev libdw-dev libelf-dev gcc-arm-none-eabi libnewlib-arm-none-eabi clang libclang-rt-14-dev)
+  libunicorn-dev libdw-dev libelf-dev libcapstone-dev gcc-arm-none-eabi libnewlib-arm-none-eabi clang libclang-rt-14-dev)
 
 missing=()
 for p in "${packages[@]}"; do

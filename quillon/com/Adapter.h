@@ -59,6 +59,8 @@ protected:
     }
 
     LastError& lastError() { return m_lastError; }
+    /// The automation object the adapter belongs to.
+    kestrix::IUnknown& owner() { return m_owner; }
 
 private:
     HRESULT failed(const char* name, const char* what) noexcept

@@ -1,19 +1,43 @@
 #pragma once
 
 #include "OrbelHIL.h"
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
 #include "com/Adapter.h"
+#include "com/HilDescriptor.h"
+#include "com/Session.h"
+#include "services/AnalyzerError.h"
 
 namespace quillon::com {
 
-/// `OrbelHIL`: hardware-in-the-loop channels. Every operation answers E_NOTIMPL with a message that names it
-/// until the service behind it exists.
+/// `OrbelHIL`: the HIL channels of the attached instance (HilService). `Read` takes channel names apart by
+/// commas ("" for all) and answers "name:value" pairs apart by commas; a buffer too small for the answer is
+/// ORBEL_E_SIZE. `Write` takes "name:value" pairs apart by commas or semicolons. The two flag words have no
+/// meaning here and are not looked at. An unknown channel answers ORBEL_E_BAD_ID, a bad text or value
+/// E_INVALIDARG, a write while the target runs ORBEL_E_ERROR, each with a message that names it. `GetInfo`
+/// gives the descriptor of the instance's channels (HilDescriptor) when asked for it; it belongs to the automation
+/// object and stays valid while the object lives.
 class HilAdapter final : public Adapter<kestrix::OrbelHIL> {
 public:
-    using Adapter::Adapter;
+    HilAdapter(kestrix::IUnknown& owner, LastError& lastError, Session& session)
+        : Adapter(owner, lastError), m_session(session)
+    {
+    }
 
-    HRESULT Read(DWORD, DWORD, const char*, char*, DWORD) override;
-    HRESULT Write(DWORD, DWORD, const char*) override;
-    HRESULT GetInfo(DWORD, kestrix::SHILInfo*) override;
+    HRESULT Read(DWORD flags1, DWORD flags2, const char* paths, char* buffer, DWORD size) override;
+    HRESULT Write(DWORD flags1, DWORD flags2, const char* values) override;
+    HRESULT GetInfo(DWORD size, kestrix::SHILInfo* info) override;
+
+private:
+    template <class F> HRESULT serve(const char* name, F&& operation) noexcept;
+    static HRESULT codeOf(services::AnalyzerError::Kind kind);
+
+    Session& m_session;
+    std::mutex m_mutex;
+    std::map<std::string, std::unique_ptr<HilDescriptor>> m_descriptors; ///< by instance id
 };
 
 } // namespace quillon::com

@@ -6,6 +6,7 @@
 
 #include "OrbelIDEFlags.h"
 #include "OrbelIdentifiers.h"
+#include "com/DocumentCommand.h"
 #include "com/QuillonVersion.h"
 #include "services/ServiceError.h"
 
@@ -53,9 +54,21 @@ std::string message(const std::string& problem)
 
 } // namespace
 
-HRESULT IdeAdapter::Document(DWORD, const char*, const char*, DWORD)
+HRESULT IdeAdapter::Document(DWORD flags, const char* fileName, const char* strParameter, DWORD dwParameter)
 {
-    return notImplemented("OrbelIDE::Document");
+    const char* name = "OrbelIDE::Document";
+    return call(name, [&] {
+        const auto instance = m_session.instance();
+        if (!instance) {
+            return fail(kestrix::ORBEL_E_NOT_CONNECTED, std::string(name) + ": not attached to a Quillon instance");
+        }
+        try {
+            const DocumentCommand command(flags, fileName != nullptr ? fileName : "", strParameter, dwParameter);
+            return command.run(instance->documents()) ? kestrix::S_OK : kestrix::S_FALSE;
+        } catch (const services::AnalyzerError& error) {
+            return fail(DocumentCommand::codeOf(error.kind()), std::string(name) + ": " + error.what());
+        }
+    });
 }
 
 HRESULT IdeAdapter::Workspace(DWORD, const char*)

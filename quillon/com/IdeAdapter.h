@@ -13,8 +13,10 @@ namespace quillon::com {
 /// (request 0x10) and no other. `Option` reads and writes the instance's `OptionTree`: the
 /// module bits name the module of the path, and an option is set at once, so a commit has
 /// nothing to do. An unknown option answers ORBEL_E_BAD_ID, a bad value E_INVALIDARG, a text or
-/// number that does not fit the caller's record ORBEL_E_SIZE, each with the message. Documents,
-/// the workspace, windows and service calls answer E_NOTIMPL with a message that names them.
+/// number that does not fit the caller's record ORBEL_E_SIZE, each with the message. `Document`
+/// acts on the instance's documents (DocumentCommand): S_FALSE where stop or is-active say no,
+/// else a failure's code with its message. The workspace, windows and service calls answer
+/// E_NOTIMPL with a message that names them.
 class IdeAdapter final : public Adapter<kestrix::OrbelIDE3> {
 public:
     IdeAdapter(kestrix::IUnknown& owner, LastError& lastError, Session& session)

@@ -49,9 +49,9 @@ private:
     DebugAdapter m_debug{*this, m_lastError, m_session};
     ProfilerAdapter m_profiler{*this, m_lastError, m_session};
     ProjectAdapter m_project{*this, m_lastError};
-    CoverageAdapter m_coverage{*this, m_lastError};
+    CoverageAdapter m_coverage{*this, m_lastError, m_session};
     TestAdapter m_test{*this, m_lastError, m_session};
-    HilAdapter m_hil{*this, m_lastError};
+    HilAdapter m_hil{*this, m_lastError, m_session};
     EclipseAdapter m_eclipse{*this, m_lastError};
     SinkAdapter m_sink{*this, m_lastError};
     BetaExtraAdapter m_betaExtra{*this, m_lastError};

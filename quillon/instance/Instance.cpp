@@ -25,6 +25,30 @@ std::vector<std::string> downloadFiles(const Workspace& workspace)
     return files;
 }
 
+services::DocumentService::Settings documentSettings(const Workspace& workspace)
+{
+    services::DocumentService::Settings settings;
+    settings.folder = workspace.folder();
+    if (workspace.terminal()) {
+        settings.terminalUart = workspace.terminal()->uart;
+    }
+    for (const Workspace::TraceTrigger& trigger : workspace.traceTriggers()) {
+        settings.triggers.push_back(services::TraceTrigger{trigger.name, trigger.start, trigger.instructions});
+    }
+    return settings;
+}
+
+std::vector<services::HilChannel> hilChannels(const Workspace& workspace)
+{
+    std::vector<services::HilChannel> channels;
+    for (const Workspace::HilChannel& channel : workspace.hilChannels()) {
+        channels.push_back(services::HilChannel{
+            channel.name, services::HilChannel::kindNamed(channel.kind).value_or(services::HilChannel::Kind::Integer),
+            channel.address, channel.initial});
+    }
+    return channels;
+}
+
 } // namespace
 
 Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std::string commandLine,
@@ -43,6 +67,10 @@ Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std:
     m_test = std::make_unique<services::TestService>(
         *m_target, [this] { return m_options.integer(services::OptionTree::kMaxInstructions); },
         [this] { return firstDebugInfo(); });
+    m_documents = std::make_unique<services::DocumentService>(*m_target, m_debug.symbols(), documentSettings(m_workspace));
+    m_coverage = std::make_unique<services::CoverageService>(*m_documents);
+    m_hil = std::make_unique<services::HilService>(*m_target, hilChannels(m_workspace));
+    m_hil->writeInitialValues();
 }
 
 const debuginfo::DebugInfo* Instance::firstDebugInfo() const

@@ -6,7 +6,10 @@
 #include <string>
 
 #include "instance/Workspace.h"
+#include "services/CoverageService.h"
 #include "services/DebugService.h"
+#include "services/DocumentService.h"
+#include "services/HilService.h"
 #include "services/ExpressionEvaluatorEngine.h"
 #include "services/TestService.h"
 #include "services/OptionTree.h"
@@ -48,6 +51,12 @@ public:
     /// order) replace the built-in defaults, so a reset returns to what the workspace says.
     services::OptionTree& options() { return m_options; }
     const services::OptionTree& options() const { return m_options; }
+    /// The documents (trace, coverage, terminal), named relative to the workspace's folder, with the
+    /// workspace's triggers and terminal UART.
+    services::DocumentService& documents() { return *m_documents; }
+    services::CoverageService& coverage() { return *m_coverage; }
+    /// The workspace's HIL channels, with their initial values written at the start.
+    services::HilService& hil() { return *m_hil; }
 
     /// Attached sessions; `InstanceRegistry::attach` and `detach` count them.
     int clients() const { return m_clients.load(); }
@@ -69,6 +78,9 @@ private:
     services::ExpressionEvaluatorEngine m_expressions;
     std::unique_ptr<services::TestService> m_test; // after the target and programs it uses
     services::ProfilerService m_profiler;
+    std::unique_ptr<services::DocumentService> m_documents;
+    std::unique_ptr<services::CoverageService> m_coverage;
+    std::unique_ptr<services::HilService> m_hil;
     std::atomic<int> m_clients{0};
 };
 

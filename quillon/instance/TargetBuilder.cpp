@@ -1,5 +1,7 @@
 #include "instance/TargetBuilder.h"
 
+#include <cstdio>
+
 #include "debuginfo/DebugInfoError.h"
 #include "debuginfo/ElfImage.h"
 #include "instance/DerivedMemory.h"
@@ -27,10 +29,34 @@ target::TargetConfig TargetBuilder::configFor(const Workspace& workspace)
 std::unique_ptr<target::Target> TargetBuilder::build(const Workspace& workspace)
 {
     const target::TargetConfig config = configFor(workspace);
+    std::unique_ptr<target::Target> target;
     try {
-        return std::make_unique<target::Target>(config);
+        target = std::make_unique<target::Target>(config);
     } catch (const target::TargetError& error) {
         throw WorkspaceError(workspace.file().string() + ": " + error.what());
+    }
+    checkRegisters(workspace, target->memory());
+    return target;
+}
+
+void TargetBuilder::checkRegisters(const Workspace& workspace, const target::MemoryMap& memory)
+{
+    auto check = [&](std::uint32_t address, int line, const std::string& what, const std::string& key) {
+        const target::MemoryArea* area = memory.find(address);
+        if (area == nullptr || !(area->access() & target::MemoryArea::Write) || std::uint64_t(address) + 4 > area->end()) {
+            char hex[16];
+            std::snprintf(hex, sizeof hex, "0x%08x", address);
+            throw WorkspaceError(workspace.file().string() + ":" + std::to_string(line) + ": " + what + " at " + hex
+                                 + " in '" + key + "' lies in no writable memory area");
+        }
+    };
+    if (const auto& terminal = workspace.terminal()) {
+        check(terminal->uart, terminal->line, "the terminal's UART", "terminal.uart");
+    }
+    const auto& channels = workspace.hilChannels();
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+        check(channels[i].address, channels[i].line, "HIL channel '" + channels[i].name + "'",
+              "hil[" + std::to_string(i) + "].address");
     }
 }
 

@@ -18,12 +18,14 @@ public:
     /// cannot be used: <why>".
     static target::TargetConfig configFor(const Workspace& workspace);
 
-    /// The target of `configFor`; a layout that the target refuses is a `WorkspaceError` too.
+    /// The target of `configFor`; a layout that the target refuses is a `WorkspaceError` too, and so
+    /// is a terminal UART or a HIL channel whose register lies in no writable memory area.
     static std::unique_ptr<target::Target> build(const Workspace& workspace);
 
 private:
     static std::vector<target::TargetConfig::Area> derivedMemory(const Workspace& workspace);
     static unsigned targetAccess(unsigned workspaceAccess);
+    static void checkRegisters(const Workspace& workspace, const target::MemoryMap& memory);
 };
 
 } // namespace quillon

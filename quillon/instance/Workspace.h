@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,19 @@ namespace quillon {
 ///       maxInstructions: 100000000   # 64 bits, not zero
 ///     options:                # option path: value, set in file order (services/OptionTree.h
 ///       /IDE/Debug/StopOnReset: 0     # has the paths); a list option takes a YAML list
+///     terminal:
+///       uart: 0x40011004      # required: the UART data register whose writes the terminal
+///                             # shows; it must lie in a writable memory area
+///     trace:
+///       triggers:             # of analyzer documents, besides the built-in Trigger0 (which
+///         - name: Trigger1    # records function entries from the start); name required, unique
+///           start: classify   # the function whose first entry begins the recording; default: at once
+///           instructions: no  # true/yes: every instruction too; default false
+///     hil:                    # hardware-in-the-loop channels
+///       - name: Setpoint      # required, unique
+///         kind: integer       # digital, analog (IEEE single) or integer (32 bits); default integer
+///         address: 0x40020000 # required, a multiple of 4; its 4 bytes lie in a writable memory area
+///         initial: 10         # written when the instance starts; a value of the kind
 ///
 /// Numbers are decimal or 0x hexadecimal. A key given with a null value (`target:`) is as if
 /// it were not given; a null scalar value is a missing value. Keys are case-sensitive.
@@ -54,6 +68,16 @@ namespace quillon {
 ///     memory area '<name>' in '<key>' overlaps '<other>' (line <n>)
 ///     unknown option '<path>'
 ///     bad value '<text>' for option '<path>' (<what it takes>)
+///     bad value '<text>' for '<key>' (true or false)
+///     '<key>' must be a multiple of 4, not <0x hex value>
+///     duplicate trigger name '<name>' in '<key>' (first on line <n>)
+///     trigger name 'Trigger0' in '<key>' is built in
+///     duplicate HIL channel name '<name>' in '<key>' (first on line <n>)
+///     unknown HIL channel kind '<text>' for '<key>' (digital, analog, integer)
+///     bad value '<text>' for '<key>' (a value of kind '<kind>')
+/// and, once the memory is known (TargetBuilder),
+///     <what> at <0x hex address> in '<key>' lies in no writable memory area
+/// for the terminal's UART and the HIL channels.
 /// where <key> is the dotted path with 0-based list indices: 'target.memory[1].size'.
 class Workspace {
 public:
@@ -78,6 +102,29 @@ public:
     struct OptionSetting {
         std::string path;
         std::string value;
+        int line = 0;
+    };
+
+    /// `terminal:`: the UART whose data register the terminal shows.
+    struct Terminal {
+        std::uint32_t uart = 0;
+        int line = 0;
+    };
+
+    /// One entry of `trace.triggers`.
+    struct TraceTrigger {
+        std::string name;
+        std::string start;
+        bool instructions = false;
+        int line = 0;
+    };
+
+    /// One entry of `hil`.
+    struct HilChannel {
+        std::string name;
+        std::string kind = "integer";
+        std::uint32_t address = 0;
+        std::optional<std::string> initial;
         int line = 0;
     };
 
@@ -113,6 +160,10 @@ public:
     std::uint64_t maxInstructions() const { return m_maxInstructions; }
     /// The options the file sets, in file order.
     const std::vector<OptionSetting>& options() const { return m_options; }
+    /// No terminal when not given.
+    const std::optional<Terminal>& terminal() const { return m_terminal; }
+    const std::vector<TraceTrigger>& traceTriggers() const { return m_traceTriggers; }
+    const std::vector<HilChannel>& hilChannels() const { return m_hilChannels; }
 
     /// `path` made absolute with symbolic links, "." and ".." resolved as far as it exists: the
     /// form of `file()` and of the download paths, so paths written differently compare equal.
@@ -131,6 +182,9 @@ private:
     std::vector<DownloadFile> m_downloads;
     std::uint64_t m_maxInstructions = kDefaultMaxInstructions;
     std::vector<OptionSetting> m_options;
+    std::optional<Terminal> m_terminal;
+    std::vector<TraceTrigger> m_traceTriggers;
+    std::vector<HilChannel> m_hilChannels;
 };
 
 } // namespace quillon

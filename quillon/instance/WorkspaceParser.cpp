@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "instance/WorkspaceError.h"
+#include "services/HilChannel.h"
 #include "services/OptionTree.h"
 #include "services/ServiceError.h"
 
@@ -149,6 +150,9 @@ void WorkspaceParser::parseRoot(Node* root)
         {"download", false, [this](Node* n, const std::string& k) { parseDownload(n, k); }},
         {"test", false, [this](Node* n, const std::string& k) { parseTest(n, k); }},
         {"options", false, [this](Node* n, const std::string& k) { parseOptions(n, k); }},
+        {"terminal", false, [this](Node* n, const std::string& k) { parseTerminal(n, k); }},
+        {"trace", false, [this](Node* n, const std::string& k) { parseTrace(n, k); }},
+        {"hil", false, [this](Node* n, const std::string& k) { parseHil(n, k); }},
     });
 }
 
@@ -255,6 +259,113 @@ void WorkspaceParser::parseOptions(Node* map, const std::string& key)
         }
         m_workspace.m_options.push_back(Workspace::OptionSetting{path, value, lineOf(name)});
     }
+}
+
+void WorkspaceParser::parseTerminal(Node* map, const std::string& key)
+{
+    Workspace::Terminal terminal;
+    terminal.line = lineOf(map);
+    bool given = false;
+    readMap(map, key, {
+        {"uart", true,
+         [&](Node* n, const std::string& k) {
+             terminal.uart = std::uint32_t(number(n, k, 32));
+             terminal.line = lineOf(n);
+             given = true;
+         }},
+    });
+    if (given) {
+        m_workspace.m_terminal = terminal;
+    }
+}
+
+void WorkspaceParser::parseTrace(Node* map, const std::string& key)
+{
+    readMap(map, key, {
+        {"triggers", false,
+         [this](Node* n, const std::string& k) {
+             readList(n, k, [this](Node* item, const std::string& itemKey) { parseTrigger(item, itemKey); });
+         }},
+    });
+}
+
+void WorkspaceParser::parseTrigger(Node* map, const std::string& key)
+{
+    Workspace::TraceTrigger trigger;
+    trigger.line = lineOf(map);
+    Node* nameNode = nullptr;
+    readMap(map, key, {
+        {"name", true,
+         [&](Node* n, const std::string& k) {
+             trigger.name = text(n, k);
+             nameNode = n;
+         }},
+        {"start", false, [&](Node* n, const std::string& k) { trigger.start = text(n, k); }},
+        {"instructions", false, [&](Node* n, const std::string& k) { trigger.instructions = boolean(n, k); }},
+    });
+    if (nameNode == nullptr) {
+        return; // a null entry
+    }
+    const std::string nameKey = join(key, "name");
+    if (trigger.name == "Trigger0") {
+        fail(nameNode, "trigger name 'Trigger0' in '" + nameKey + "' is built in");
+    }
+    for (const Workspace::TraceTrigger& other : m_workspace.m_traceTriggers) {
+        if (other.name == trigger.name) {
+            fail(nameNode, "duplicate trigger name '" + trigger.name + "' in '" + nameKey + "' (first on line "
+                               + std::to_string(other.line) + ")");
+        }
+    }
+    m_workspace.m_traceTriggers.push_back(std::move(trigger));
+}
+
+void WorkspaceParser::parseHil(Node* list, const std::string& key)
+{
+    readList(list, key, [this](Node* n, const std::string& k) { parseHilChannel(n, k); });
+}
+
+void WorkspaceParser::parseHilChannel(Node* map, const std::string& key)
+{
+    Workspace::HilChannel channel;
+    channel.line = lineOf(map);
+    Node* nameNode = nullptr;
+    Node* initialNode = nullptr;
+    readMap(map, key, {
+        {"name", true,
+         [&](Node* n, const std::string& k) {
+             channel.name = text(n, k);
+             nameNode = n;
+         }},
+        {"kind", false,
+         [&](Node* n, const std::string& k) {
+             channel.kind = text(n, k);
+             if (!services::HilChannel::kindNamed(channel.kind)) {
+                 fail(n, "unknown HIL channel kind '" + channel.kind + "' for '" + k
+                             + "' (digital, analog, integer)");
+             }
+         }},
+        {"address", true, [&](Node* n, const std::string& k) { channel.address = wordAddress(n, k); }},
+        {"initial", false,
+         [&](Node* n, const std::string& k) {
+             channel.initial = text(n, k);
+             initialNode = n;
+         }},
+    });
+    if (nameNode == nullptr) {
+        return; // a null entry
+    }
+    for (const Workspace::HilChannel& other : m_workspace.m_hilChannels) {
+        if (other.name == channel.name) {
+            fail(nameNode, "duplicate HIL channel name '" + channel.name + "' in '" + join(key, "name")
+                               + "' (first on line " + std::to_string(other.line) + ")");
+        }
+    }
+    const auto kind = *services::HilChannel::kindNamed(channel.kind);
+    if (channel.initial && !services::HilChannel::parse(kind, *channel.initial)) {
+        fail(initialNode, "bad value '" + *channel.initial + "' for '" + join(key, "initial") + "' (a value of kind '"
+                              + channel.kind + "')");
+    }
+    m_workspace.m_hilChannels.push_back(std::move(channel));
 }
 
 std::string WorkspaceParser::optionValue(Node* value, const std::string& key)
@@ -380,6 +491,29 @@ std::uint32_t WorkspaceParser::pageMultiple(Node* node, const std::string& key,
         char text[64];
         std::snprintf(text, sizeof text, "must be a multiple of 0x%x, not 0x%llx",
                       unsigned(Workspace::kPageSize), static_cast<unsigned long long>(value));
+        fail(node, "'" + key + "' " + text);
+    }
+    return std::uint32_t(value);
+}
+
+bool WorkspaceParser::boolean(Node* node, const std::string& key) const
+{
+    const std::string value = text(node, key);
+    if (value == "true" || value == "yes") {
+        return true;
+    }
+    if (value == "false" || value == "no") {
+        return false;
+    }
+    fail(node, "bad value '" + value + "' for '" + key + "' (true or false)");
+}
+
+std::uint32_t WorkspaceParser::wordAddress(Node* node, const std::string& key) const
+{
+    const std::uint64_t value = number(node, key, 32);
+    if (value % 4 != 0) {
+        char text[64];
+        std::snprintf(text, sizeof text, "must be a multiple of 4, not 0x%llx", static_cast<unsigned long long>(value));
         fail(node, "'" + key + "' " + text);
     }
     return std::uint32_t(value);

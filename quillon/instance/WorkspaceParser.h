@@ -48,6 +48,11 @@ private:
     void parseDownloadFile(Node* map, const std::string& key);
     void parseTest(Node* map, const std::string& key);
     void parseOptions(Node* map, const std::string& key);
+    void parseTerminal(Node* map, const std::string& key);
+    void parseTrace(Node* map, const std::string& key);
+    void parseTrigger(Node* map, const std::string& key);
+    void parseHil(Node* list, const std::string& key);
+    void parseHilChannel(Node* map, const std::string& key);
     /// The value of an option: a single value, or a list's items one a line.
     std::string optionValue(Node* value, const std::string& key);
 
@@ -61,6 +66,8 @@ private:
     /// `value` of `key`, checked to be a multiple of the target's page.
     std::uint32_t pageMultiple(Node* node, const std::string& key, std::uint64_t value) const;
     Workspace::Cpu cpu(Node* node, const std::string& key) const;
+    bool boolean(Node* node, const std::string& key) const;
+    std::uint32_t wordAddress(Node* node, const std::string& key) const;
     unsigned access(Node* node, const std::string& key) const;
     void checkArea(const Workspace::MemoryArea& area, const std::string& key) const;
 

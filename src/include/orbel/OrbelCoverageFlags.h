@@ -97,6 +97,8 @@ struct OrbelCoverageFlags {
     enum EErrorClass : DWORD {
         cecNone = 0,
         cecInternal = 1,
+        /// Any other failure: the text tells.
+        cecFailure = 2,
         cecIllegalState = 25
     };
 };
