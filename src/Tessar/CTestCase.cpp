@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -12,7 +13,6 @@
 #include "CAreaProperties.h"
 #include "CCoverageController.h"
 #include "CDebugFacade.h"
-#include "CFileStream.h"
 #include "CHILController.h"
 #include "CProfilerController.h"
 #include "CTestHIL.h"
@@ -33,7 +33,6 @@
 #include "CTestStubController.h"
 #include "CUtil.h"
 #include "CYAMLEmitter.h"
-#include "FeatureNotImplementedException.h"
 #include "ICustomFunctions.h"
 #include "IllegalArgumentException.h"
 #include "IllegalStateException.h"
@@ -194,10 +193,6 @@ void CTestCase::checkAnalyzers(CTestSpecification& spec)
     if (active > 1) {
         throw IllegalArgumentException(KX_POS, "To many analyzers!\nOnly one of analyzers (trace, coverage, "
                                                "profiler)\nmay be specified in the same test specification!");
-    }
-    // Analyzers need controllers of their own, which the run does not drive yet.
-    if (active > 0 || !spec.getHIL().isEmpty()) {
-        throw FeatureNotImplementedException(KX_POS, "Analyzers and HIL in a test run are not supported yet!");
     }
 }
 
@@ -669,13 +664,16 @@ const DWORD COVERAGE_FLAGS = 1;
 const DWORD DECISION_COVERAGE_FLAGS = 3;
 const DWORD PROFILER_START_FLAGS = 1;
 const DWORD MAX_COVERAGE_RANGES = 100;
-const DWORD MAX_CODE_STATISTICS = 10;
+// Entries read for one code area or one value of a variable, and for all values of a variable.
+const DWORD MAX_AREA_STATISTICS = 10;
 const DWORD MAX_DATA_STATISTICS = 100;
 const DWORD STATISTICS_STEP = 1000;
 const DWORD MAX_STATISTICS = 10000;
 const DWORD HISTORY_BLOCK = 1000;
-// Symbol kinds of the address controller and the coverage statistics.
+// Symbol kinds of the address controller: functions by name, then by address.
 const DWORD FUNCTION_SYMBOL = 0x4000;
+const DWORD FUNCTION_NAMES = 4;
+// Statistic kinds of the coverage document.
 enum CoverageKind : DWORD {
     csftBytes = 1,
     csftBytesExec = 2,
@@ -926,7 +924,7 @@ void CTestCase::getProfilerCodeResults(std::shared_ptr<CProfilerController> cont
     for (const auto& area : section.getCodeAreas()) {
         const CAreaProperties properties = controller->getAreaProperties(area->getAreaName());
         ProfilerStatisticVector list;
-        controller->getStatisticsForHandle(properties.getHandle(), MAX_CODE_STATISTICS, list);
+        controller->getStatisticsForHandle(properties.getHandle(), MAX_AREA_STATISTICS, list);
         if (list.size() > 1) {
             IOException e(KX_POS, "Invalid size of profiler code statistics vector - greater than 1!");
             e.add("statSize", static_cast<int>(list.size()));
@@ -969,7 +967,7 @@ std::string CTestCase::verifyCoverage(const CTestCoverage& section, std::shared_
         for (DWORD kind = csftBytes; kind <= csftBranchesBoth; ++kind) {
             counts[kind] = coverage.getCoverageStatistics(kind, start, end);
         }
-        const std::string name = debugFacade().getSymbolAtAddress(0, info.getMemArea(), start);
+        const std::string name = debugFacade().getSymbolAtAddress(FUNCTION_NAMES, info.getMemArea(), start);
         const struct {
             const char* item;
             float expected;
@@ -1005,13 +1003,13 @@ std::string CTestCase::verifyProfiler(const CTestProfiler& section, std::shared_
     for (const auto& area : section.getCodeAreas()) {
         ProfilerStatisticVector list;
         controller->getStatisticsForHandle(controller->getAreaProperties(area->getAreaName()).getHandle(),
-                                           MAX_CODE_STATISTICS, list);
+                                           MAX_AREA_STATISTICS, list);
         checkProfilerArea(*area, list, false, errors);
     }
     for (const auto& area : section.getDataAreas()) {
         ProfilerStatisticVector list;
         const DWORD handle = controller->getAreaProperties(area->getAreaName()).getHandle();
-        controller->getStatisticsForValue(handle, static_cast<DWORD>(area->getAreaValue()), MAX_CODE_STATISTICS, list);
+        controller->getStatisticsForValue(handle, static_cast<DWORD>(area->getAreaValue()), MAX_AREA_STATISTICS, list);
         checkProfilerArea(*area, list, true, errors);
     }
     return errors.str();
@@ -1052,16 +1050,17 @@ void CTestCase::profilerResultsToYaml(const std::string& fileName, bool isForceO
     if (!controller) {
         return;
     }
-    if (!isForceOverwrite && std::ifstream(fileName).good()) {
+    std::error_code error;
+    if (!isForceOverwrite && std::filesystem::exists(fileName, error)) {
         IOException e(KX_POS, "Profiler output file already exists, and forceOverwrite == false!");
         e.add("fileName", fileName);
         throw e;
     }
-    auto stream = std::make_shared<CFileStream>(fileName);
-    if (!stream->getStream()) {
+    std::ofstream file(fileName, std::ios::out | std::ios::trunc);
+    if (!file) {
         throw IOException(KX_POS, "Can not open file for writing profiler output: " + fileName);
     }
-    auto emitter = std::make_shared<CYAMLEmitter>(stream);
+    auto emitter = std::make_shared<CYAMLEmitter>(&file);
     emitter->startStream();
     emitter->startDocument(false);
     emitter->writeMapStart(CYAMLMap());
@@ -1097,9 +1096,9 @@ void CTestCase::profilerResultsToYaml(const std::string& fileName, bool isForceO
         writeProfilerHistory(*emitter, *controller);
     }
     emitter->writeMapEnd();
-    emitter->endDocument(false);
-    emitter->endStream();
-    stream->close();
+    emitter->endDocumentAndStream();
+    // A failing close leaves only the stream's error state.
+    file.close();
 }
 
 void CTestCase::writeProfilerHistory(IEmitter& emitter, CProfilerController& controller)
