@@ -35,13 +35,13 @@ public sealed class TestRunner : IDisposable {
     }
     ApplyDefaultRetValName(flat);
     var results = new StrVector();
+    var measured = new Measured();
     Stopwatch clock = Stopwatch.StartNew();
     try {
-      RunSteps(flat, results);
+      RunSteps(flat, results, measured);
       clock.Stop();
-      outcome.Result = testCase.getTestResults(flat, results, flat.getCoverage(), testCase.getCachedCoverageResults(),
-                                               flat.getProfiler(), testCase.getCachedProfilerCodeResults(),
-                                               testCase.getCachedProfilerDataResults());
+      outcome.Result = testCase.getTestResults(flat, results, flat.getCoverage(), measured.Coverage, flat.getProfiler(),
+                                               measured.ProfilerCode, measured.ProfilerData);
     } catch (Exception e) {
       clock.Stop();
       outcome.Result = new CTestResult(flat, e.Message);
@@ -50,7 +50,22 @@ public sealed class TestRunner : IDisposable {
     return outcome;
   }
 
-  void RunSteps(CTestSpecification spec, StrVector results) {
+  // What the analyzers measured in a run.
+  sealed class Measured {
+    public StrCoverageStatisticMap Coverage = new StrCoverageStatisticMap();
+    public StrProfilerStatisticMap ProfilerCode = new StrProfilerStatisticMap();
+    public StrProfilerStatisticVectorMap ProfilerData = new StrProfilerStatisticVectorMap();
+  }
+
+  // The analyzers of the test, kept from the start of the run to its end.
+  sealed class Analyzers {
+    public CAnalyzerDocController Trace;
+    public CCoverageController Coverage;
+    public CProfilerController Profiler;
+    public CHILController Hil;
+  }
+
+  void RunSteps(CTestSpecification spec, StrVector results, Measured measured) {
     CheckAnalyzers(spec);
     CTestFunction function = spec.getFunctionUnderTest();
     using (CTestCaseController ctrl = testCase.createTestController(function.getName(), function.getRetValueName())) {
@@ -65,7 +80,7 @@ public sealed class TestRunner : IDisposable {
         throw;
       }
       try {
-        RunInitialized(spec, results, ctrl);
+        RunInitialized(spec, results, ctrl, measured);
       } catch (Exception e) {
         string stop = DescribeUnexpectedStop(ctrl);
         Release(ctrl);
@@ -79,9 +94,10 @@ public sealed class TestRunner : IDisposable {
     }
   }
 
-  void RunInitialized(CTestSpecification spec, StrVector results, CTestCaseController ctrl) {
+  void RunInitialized(CTestSpecification spec, StrVector results, CTestCaseController ctrl, Measured measured) {
     testCase.setLocals(spec, ctrl);
     testCase.setParameters(spec, ctrl);
+    Analyzers analyzers = StartAnalyzers(spec);
     functions.Test = ctrl;
     testCase.callInitFunction(spec.getInitFunction());
     ThrowIfScriptFailed();
@@ -89,11 +105,35 @@ public sealed class TestRunner : IDisposable {
     ThrowIfScriptFailed();
     testCase.callEndFunction(spec.getEndFunction());
     ThrowIfScriptFailed();
+    StopAnalyzers(spec, analyzers, measured);
     var expected = new StrVector();
     spec.getExpectedResults(expected, false);
     testCase.verifyResults(expected, results, true, ctrl);
     ctrl.clean();
     ctrl.destroy();
+  }
+
+  Analyzers StartAnalyzers(CTestSpecification spec) {
+    var analyzers = new Analyzers {
+      Trace = testCase.createTraceController(spec.getTrace()),
+      Coverage = testCase.createCoverageController(spec.getCoverage()),
+      Profiler = testCase.createProfilerController(spec.getProfiler()),
+      Hil = testCase.createHILController(spec.getHIL())
+    };
+    testCase.configureTrace(analyzers.Trace, spec.getTrace());
+    testCase.configureCoverage(analyzers.Coverage, spec.getCoverage());
+    testCase.configureProfiler(analyzers.Profiler, spec.getProfiler(), spec.getFunctionUnderTest().getName());
+    testCase.configureHIL(analyzers.Hil, spec.getHIL());
+    return analyzers;
+  }
+
+  void StopAnalyzers(CTestSpecification spec, Analyzers analyzers, Measured measured) {
+    testCase.finalizeTrace(analyzers.Trace, spec.getTrace());
+    testCase.finalizeCoverage(analyzers.Coverage, spec.getCoverage());
+    testCase.finalizeProfiler(analyzers.Profiler, spec.getProfiler(), new StrStrMap());
+    testCase.getCoverageResults(analyzers.Coverage, spec.getCoverage(), measured.Coverage);
+    testCase.getProfilerCodeResults(analyzers.Profiler, spec.getProfiler(), measured.ProfilerCode);
+    testCase.getProfilerDataResults(analyzers.Profiler, spec.getProfiler(), measured.ProfilerData);
   }
 
   void ThrowIfScriptFailed() {

@@ -41,6 +41,15 @@ fs::path DocumentService::pathOf(const std::string& name) const
     return (path.is_absolute() ? path : m_settings.folder / path).lexically_normal();
 }
 
+// Saves and exports go into folders that may not exist yet, as a user names them.
+fs::path DocumentService::outputPathOf(const std::string& name) const
+{
+    const fs::path path = pathOf(name);
+    std::error_code error;
+    fs::create_directories(path.parent_path(), error); // a failure shows when the file is written
+    return path;
+}
+
 std::string DocumentService::keyOf(const std::string& name) const
 {
     return name.empty() ? std::string() : pathOf(name).string();
@@ -177,7 +186,7 @@ void DocumentService::closeLocked(const std::string& name, bool discard)
     }
     found.stop();
     if (!discard && found.isModified()) {
-        writeFile(found, pathOf(name));
+        writeFile(found, outputPathOf(name));
     }
     m_documents.erase(keyOf(name));
 }
@@ -218,7 +227,7 @@ void DocumentService::save(const std::string& name)
     if (name.empty()) {
         throw error(AnalyzerError::Kind::InvalidArgument, found.title() + " has no file: save it as a file");
     }
-    writeFile(found, pathOf(name));
+    writeFile(found, outputPathOf(name));
     found.markSaved();
 }
 
@@ -235,7 +244,7 @@ void DocumentService::saveAs(const std::string& name, const std::string& newName
         throw error(AnalyzerError::Kind::InvalidArgument,
                     "cannot save " + found.title() + " as '" + newName + "': that document is open");
     }
-    writeFile(found, pathOf(newName));
+    writeFile(found, outputPathOf(newName));
     found.markSaved();
     found.rename(newName);
     if (newKey != oldKey) {
@@ -294,7 +303,7 @@ void DocumentService::exportTo(const std::string& name, const std::string& file,
     if (file.empty()) {
         throw error(AnalyzerError::Kind::InvalidArgument, "no file to export " + found.title() + " to");
     }
-    found.exportTo(pathOf(file), option);
+    found.exportTo(outputPathOf(file), option);
 }
 
 void DocumentService::setMarker(const std::string& name, std::uint32_t value)
@@ -368,7 +377,7 @@ void DocumentService::saveTerminalAs(const std::string& file)
     if (file.empty()) {
         throw error(AnalyzerError::Kind::InvalidArgument, "no file name to save the terminal as");
     }
-    const fs::path path = pathOf(file);
+    const fs::path path = outputPathOf(file);
     std::ofstream out(path, std::ios::binary | std::ios::trunc);
     open.write(out);
     out.close();

@@ -94,6 +94,8 @@ public:
 
     /// The file of a name.
     std::filesystem::path pathOf(const std::string& name) const;
+    /// The file of a name to write, its folder made if it is missing.
+    std::filesystem::path outputPathOf(const std::string& name) const;
 
 private:
     std::string keyOf(const std::string& name) const;

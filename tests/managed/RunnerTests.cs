@@ -84,6 +84,35 @@ public static class RunnerTests {
                   ((XmlElement)suite.SelectSingleNode("testcase[@name='fail.expression']/failure")).GetAttribute("message"));
     });
 
+    Check.Case("analyzers: coverage, profile and trace of a test, and limits that fail it", () => {
+      string folder = NewFolder();
+      string exports = Path.Combine(folder, "exports");
+      string file = Write(folder, "analyzers.yaml", string.Format(Env, workspace, "full") +
+          "tests:\n" +
+          "- id: covered\n  locals: {text: 'char[8]'}\n  init: {text: \"AB\"}\n  func: [checksum, [text]]\n" +
+          "  coverage:\n    document: " + exports + "/c.cov\n    exportFile: " + exports + "/c.csv\n" +
+          "    isDecisionCoverage: true\n    statistics:\n    - {func: checksum, code: 100, branches: 100, both: 100}\n" +
+          "- id: profiled\n  stubs:\n  - func: [adc_read, v]\n    params: [ch]\n    assign: {v: 1}\n" +
+          "  func: [average_channels, [3]]\n  expect: [rv == 1]\n" +
+          "  profiler:\n    codeAreas:\n    - {name: adc_read, hits: [3, 3]}\n    - {name: average_channels, hits: [2, 2]}\n" +
+          "- id: traced\n  locals: {t: int, o: int}\n  func: [split_level, [42, '&t', '&o']]\n" +
+          "  trace:\n    document: " + exports + "/t.trd\n    exportFile: " + exports + "/t.csv\n    exportFormat: CSV\n");
+      string output;
+      Check.Equal(1, RunFile(file, out output), output);
+      // Every byte of checksum runs; its loop branch goes back twice for "AB", then out.
+      Check.True(output.Contains("coverage checksum: bytes ") && output.Contains("both 1/1 (100.0%"), output);
+      Check.True(HasLine(output, "] PASS  covered"), output);
+      Check.True(output.Contains("profiler adc_read: hits 3 [3..3]"), "a stub is a hit per call:\n" + output);
+      Check.True(output.Contains("! profiler average_channels: hits 1 [2..2]"), "the limit that fails:\n" + output);
+      Check.True(HasLine(output, "] FAIL  profiled"), output);
+      string trace = File.ReadAllText(Path.Combine(exports, "t.csv"));
+      Check.True(trace.StartsWith("index,cycle,time_ns,event,address,function,value\n"), trace);
+      Check.True(trace.Contains(",entry,") && trace.Contains(",split_level,"), trace);
+      Check.True(File.ReadAllText(Path.Combine(exports, "c.csv")).Contains("\nchecksum,"), "the coverage export");
+      string report = File.ReadAllText(Path.Combine(folder, "out/report.yaml"));
+      Check.True(report.Contains("isProfilerCodeError: true") && report.Contains("hitsStatus: ERR_MIN"), report);
+    });
+
     Check.Case("an errors-only report has the failed tests only", () => {
       string folder = NewFolder();
       string file = Write(folder, "short.yaml", string.Format(Env, workspace, "errorsOnly") + Verdicts);
