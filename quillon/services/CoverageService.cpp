@@ -77,14 +77,14 @@ bool CoverageService::configure(const std::string& document, std::uint32_t item,
 
 std::vector<SpanSet::Span> CoverageService::activeRanges(const std::string& document)
 {
-    return m_documents.withCoverage(document, [](CoverageDocument& coverage) { return coverage.activeRanges().spans(); });
+    return m_documents.readCoverage(document, [](CoverageDocument& coverage) { return coverage.activeRanges().spans(); });
 }
 
 std::vector<SpanSet::Span> CoverageService::resolve(const std::string& document, std::uint32_t rangeType,
                                                     const std::string& name)
 {
     const auto kind = CoverageConfiguration::itemKind(rangeType);
-    return m_documents.withCoverage(document,
+    return m_documents.readCoverage(document,
                                     [&](CoverageDocument& coverage) { return coverage.resolve(kind, name).spans(); });
 }
 
@@ -99,7 +99,7 @@ std::vector<std::uint8_t> CoverageService::bitmap(const std::string& document, s
                                                   std::uint32_t last)
 {
     checkRange(first, last);
-    return m_documents.withCoverage(document,
+    return m_documents.readCoverage(document,
                                     [&](CoverageDocument& coverage) { return coverage.bitmap(first, last); });
 }
 
@@ -112,7 +112,7 @@ std::uint32_t CoverageService::statistic(const std::string& document, std::uint3
                             "7 both)");
     }
     checkRange(first, last);
-    return m_documents.withCoverage(
+    return m_documents.readCoverage(
         document, [&](CoverageDocument& coverage) { return coverage.counts(first, last).byNumber(type); });
 }
 

@@ -78,11 +78,21 @@ Document& DocumentService::document(const std::string& name)
 
 CoverageDocument& DocumentService::coverage(const std::string& name)
 {
-    Document& found = document(name);
+    return asCoverage(document(name));
+}
+
+CoverageDocument& DocumentService::asCoverage(Document& found)
+{
     if (found.kind() != Document::Kind::Coverage) {
         throw error(AnalyzerError::Kind::InvalidArgument, found.title() + " is no coverage document");
     }
     return static_cast<CoverageDocument&>(found);
+}
+
+bool DocumentService::isOpenLocked(const std::string& name)
+{
+    detachIdle();
+    return m_documents.count(keyOf(name)) != 0;
 }
 
 TraceDocument& DocumentService::trace(const std::string& name)

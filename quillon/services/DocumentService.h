@@ -85,6 +85,17 @@ public:
         std::lock_guard<std::mutex> lock(m_mutex);
         return f(coverage(name));
     }
+    /// Runs f on the coverage document of the name for reading: the open one, else, after it was closed, the one
+    /// saved in its file (a document closed without saving is gone: FileNotFound).
+    template <class F> auto readCoverage(const std::string& name, F&& f)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        if (isOpenLocked(name)) {
+            return f(coverage(name));
+        }
+        const std::unique_ptr<Document> saved = load(name);
+        return f(asCoverage(*saved));
+    }
     /// Runs f on the open analyzer document of the name, under the service's lock.
     template <class F> auto withTrace(const std::string& name, F&& f)
     {
@@ -101,6 +112,8 @@ private:
     std::string keyOf(const std::string& name) const;
     Document& document(const std::string& name);
     CoverageDocument& coverage(const std::string& name);
+    CoverageDocument& asCoverage(Document& document);
+    bool isOpenLocked(const std::string& name);
     TraceDocument& trace(const std::string& name);
     std::unique_ptr<Document> make(const std::string& name, Document::Kind kind);
     std::unique_ptr<Document> load(const std::string& name);

@@ -238,7 +238,8 @@ TEST_F(AnalyzerAdapterTest, CoverageFailuresKeepAClassAndATextForTheDocument)
              return c->GetRanges("c.trd", 2, &count, &range, "no_such_function", 2);
          },
          2, "no function 'no_such_function' in the downloaded programs"},
-        {[&](OrbelCoverage* c) { return c->GetStatistics("other.trd", 1, 0, 1, &value); }, 2,
+        // A closed document is read from its saved file, but only an open one can change.
+        {[&](OrbelCoverage* c) { return c->SetConfiguration("other.trd", 16, "", 0); }, 2,
          "document 'other.trd' is not open"},
     };
     for (const CoverageFailure& failure : failures) {

@@ -13,6 +13,8 @@
 //
 // Instructions are 2 bytes unless marked (4). The debug information gives each function the bytes up to the next
 // one, literal pool included (note: 16 bytes); coverage counts instruction bytes only.
+#include <filesystem>
+
 #include "AnalyzerFixture.h"
 
 #include "services/CoverageCounts.h"
@@ -237,7 +239,10 @@ TEST_F(CoverageServiceTest, WrongItemsAndValuesFailNamingWhatIsWrong)
          "no module 'nowhere.c' in the downloaded programs"},
         {[&] { coverage->resolve(kDocument, 3, "0x20-0x10"); }, Kind::InvalidArgument, "bad address range '0x20-0x10'"},
         {[&] { coverage->resolve(kDocument, 4, "x"); }, Kind::InvalidArgument, "bad range item kind 4"},
-        {[&] { coverage->activeRanges("other.trd"); }, Kind::NotFound, "document 'other.trd' is not open"},
+        {[&] { coverage->activeRanges("other.trd"); }, Kind::FileNotFound,
+         "document 'other.trd' is neither open nor saved"},
+        {[&] { coverage->configure("other.trd", CoverageService::ClearItem, "", 0); }, Kind::NotFound,
+         "document 'other.trd' is not open"},
     };
     for (const Case& c : cases) {
         const AnalyzerError error = analyzerError(c.operation);
@@ -280,6 +285,29 @@ TEST_F(CoverageServiceTest, ASavedDocumentOpensWithItsConfigurationAndCoverage)
     EXPECT_EQ(of("count_nonzero"), loop);
     EXPECT_EQ(coverage->activeRanges(kDocument), active);
     EXPECT_FALSE(documents->isActive(kDocument));
+}
+
+// A run reads its coverage after the document was closed: the saved file answers, a discarded one is gone.
+TEST_F(CoverageServiceTest, AClosedDocumentAnswersFromItsSavedFileOnly)
+{
+    configure(CoverageService::CreateRangesetItem, "only");
+    configure(CoverageService::IncludeFirstItem + 2, "classify");
+    record([&] { call("classify", {"-5"}); });
+    const CoverageCounts measured = of("classify");
+    documents->save(kDocument);
+    documents->close(kDocument, true);
+    EXPECT_EQ(of("classify"), measured);
+    EXPECT_FALSE(coverage->activeRanges(kDocument).empty());
+    EXPECT_THROW(coverage->configure(kDocument, CoverageService::ClearItem, "", 0), AnalyzerError)
+        << "changes need the open document";
+
+    std::filesystem::remove(documents->pathOf(kDocument));
+    try {
+        coverage->statistic(kDocument, 1, 0, 0xff);
+        ADD_FAILURE() << "a document neither open nor saved has no coverage";
+    } catch (const AnalyzerError& e) {
+        EXPECT_EQ(e.kind(), AnalyzerError::Kind::FileNotFound) << e.what();
+    }
 }
 
 TEST_F(CoverageServiceTest, TheCsvExportHasARowAFunctionOfTheMeasuredCodeAndATotal)
