@@ -89,6 +89,18 @@ CoverageDocument& DocumentService::asCoverage(Document& found)
     return static_cast<CoverageDocument&>(found);
 }
 
+// A run reads several statistics of a closed document one by one: its file is parsed once.
+Document& DocumentService::savedDocument(const std::string& name)
+{
+    const std::string key = keyOf(name);
+    std::error_code error;
+    const fs::file_time_type time = fs::last_write_time(pathOf(name), error);
+    if (error || !m_saved.document || m_saved.key != key || m_saved.time != time) {
+        m_saved = {key, time, load(name)}; // a missing file fails in load, naming it
+    }
+    return *m_saved.document;
+}
+
 bool DocumentService::isOpenLocked(const std::string& name)
 {
     detachIdle();

@@ -93,8 +93,7 @@ public:
         if (isOpenLocked(name)) {
             return f(coverage(name));
         }
-        const std::unique_ptr<Document> saved = load(name);
-        return f(asCoverage(*saved));
+        return f(asCoverage(savedDocument(name)));
     }
     /// Runs f on the open analyzer document of the name, under the service's lock.
     template <class F> auto withTrace(const std::string& name, F&& f)
@@ -114,6 +113,8 @@ private:
     CoverageDocument& coverage(const std::string& name);
     CoverageDocument& asCoverage(Document& document);
     bool isOpenLocked(const std::string& name);
+    /// The document saved in the file of the name, read again only when the file changed.
+    Document& savedDocument(const std::string& name);
     TraceDocument& trace(const std::string& name);
     std::unique_ptr<Document> make(const std::string& name, Document::Kind kind);
     std::unique_ptr<Document> load(const std::string& name);
@@ -128,6 +129,13 @@ private:
     Settings m_settings;
     mutable std::mutex m_mutex;
     std::map<std::string, std::unique_ptr<Document>> m_documents; ///< by keyOf(name)
+    /// The closed document read last by readCoverage, with the time of its file then.
+    struct SavedDocument {
+        std::string key;
+        std::filesystem::file_time_type time;
+        std::unique_ptr<Document> document;
+    };
+    SavedDocument m_saved;
     std::unique_ptr<TerminalDocument> m_terminal;
 };
 
