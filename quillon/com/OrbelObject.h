@@ -48,7 +48,7 @@ private:
     IdeAdapter m_ide{*this, m_lastError, m_session};
     DebugAdapter m_debug{*this, m_lastError, m_session};
     ProfilerAdapter m_profiler{*this, m_lastError, m_session};
-    ProjectAdapter m_project{*this, m_lastError};
+    ProjectAdapter m_project{*this, m_lastError, m_session};
     CoverageAdapter m_coverage{*this, m_lastError, m_session};
     TestAdapter m_test{*this, m_lastError, m_session};
     HilAdapter m_hil{*this, m_lastError, m_session};

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "instance/Workspace.h"
+#include "services/BuildService.h"
 #include "services/CoverageService.h"
 #include "services/DebugService.h"
 #include "services/DocumentService.h"
@@ -57,6 +58,8 @@ public:
     services::CoverageService& coverage() { return *m_coverage; }
     /// The workspace's HIL channels, with their initial values written at the start.
     services::HilService& hil() { return *m_hil; }
+    /// The build manager of the workspace's `build` section, in the workspace's folder.
+    services::BuildService& build() { return m_build; }
 
     /// Attached sessions; `InstanceRegistry::attach` and `detach` count them.
     int clients() const { return m_clients.load(); }
@@ -81,6 +84,7 @@ private:
     std::unique_ptr<services::DocumentService> m_documents;
     std::unique_ptr<services::CoverageService> m_coverage;
     std::unique_ptr<services::HilService> m_hil;
+    services::BuildService m_build{m_workspace.folder(), m_workspace.build()};
     std::atomic<int> m_clients{0};
 };
 

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "services/BuildSettings.h"
+
 namespace quillon {
 
 /// The workspace of one Quillon instance: a YAML file that names the target, its memory and the
@@ -42,6 +44,20 @@ namespace quillon {
 ///         kind: integer       # digital, analog (IEEE single) or integer (32 bits); default integer
 ///         address: 0x40020000 # required, a multiple of 4; its 4 bytes lie in a writable memory area
 ///         initial: 10         # written when the instance starts; a value of the kind
+///     build:                  # the build manager's project; none without this section
+///       toolchain: arm-none-eabi-gcc  # the compiler driver, for compile and link
+///       sources: [main.c, uart.c]     # relative to the workspace's folder
+///       includes: [include]           # each passed as -I
+///       defines: [NDEBUG, BAUD=9600]  # each passed as -D
+///       flags: [-mcpu=cortex-m3, -mthumb, -O1, -g]    # compile flags, also given to the link
+///       linkFlags: [-Wl,--gc-sections, -lgcc]         # behind the objects in the link
+///       linkerScript: firmware.ld     # passed as -T; default none
+///       output: build/firmware.elf    # objects go beside it: build/obj/main.o
+///       files:                        # settings of single sources, added to the project's
+///         main.c: {defines: [TRACE], includes: [extra], flags: [-O0]}   # a source of 'sources'
+///       custom:                       # named command lines run by /bin/sh -c in the folder
+///         - name: size                # required, unique
+///           command: arm-none-eabi-size build/firmware.elf   # required
 ///
 /// Numbers are decimal or 0x hexadecimal. A key given with a null value (`target:`) is as if
 /// it were not given; a null scalar value is a missing value. Keys are case-sensitive.
@@ -75,6 +91,8 @@ namespace quillon {
 ///     duplicate HIL channel name '<name>' in '<key>' (first on line <n>)
 ///     unknown HIL channel kind '<text>' for '<key>' (digital, analog, integer)
 ///     bad value '<text>' for '<key>' (a value of kind '<kind>')
+///     '<source>' in '<key>' is not one of 'build.sources'
+///     duplicate custom operation name '<name>' in '<key>'
 /// and, once the memory is known (TargetBuilder),
 ///     <what> at <0x hex address> in '<key>' lies in no writable memory area
 /// for the terminal's UART and the HIL channels.
@@ -164,6 +182,8 @@ public:
     const std::optional<Terminal>& terminal() const { return m_terminal; }
     const std::vector<TraceTrigger>& traceTriggers() const { return m_traceTriggers; }
     const std::vector<HilChannel>& hilChannels() const { return m_hilChannels; }
+    /// The `build` section; none when not given.
+    const std::optional<services::BuildSettings>& build() const { return m_build; }
 
     /// `path` made absolute with symbolic links, "." and ".." resolved as far as it exists: the
     /// form of `file()` and of the download paths, so paths written differently compare equal.
@@ -185,6 +205,7 @@ private:
     std::optional<Terminal> m_terminal;
     std::vector<TraceTrigger> m_traceTriggers;
     std::vector<HilChannel> m_hilChannels;
+    std::optional<services::BuildSettings> m_build;
 };
 
 } // namespace quillon

@@ -153,6 +153,7 @@ void WorkspaceParser::parseRoot(Node* root)
         {"terminal", false, [this](Node* n, const std::string& k) { parseTerminal(n, k); }},
         {"trace", false, [this](Node* n, const std::string& k) { parseTrace(n, k); }},
         {"hil", false, [this](Node* n, const std::string& k) { parseHil(n, k); }},
+        {"build", false, [this](Node* n, const std::string& k) { parseBuild(n, k); }},
     });
 }
 
@@ -366,6 +367,105 @@ void WorkspaceParser::parseHilChannel(Node* map, const std::string& key)
                               + channel.kind + "')");
     }
     m_workspace.m_hilChannels.push_back(std::move(channel));
+}
+
+void WorkspaceParser::parseBuild(Node* map, const std::string& key)
+{
+    if (!expect(map, YAML_MAPPING_NODE, key)) {
+        return;
+    }
+    services::BuildSettings build;
+    Node* filesNode = nullptr;
+    std::string filesKey;
+    auto list = [this](std::vector<std::string>& to) {
+        return [this, &to](Node* n, const std::string& k) { to = texts(n, k); };
+    };
+    auto single = [this](std::string& to) { return [this, &to](Node* n, const std::string& k) { to = text(n, k); }; };
+    readMap(map, key, {
+        {"toolchain", false, single(build.toolchain)},
+        {"sources", false, list(build.sources)},
+        {"includes", false, list(build.includes)},
+        {"defines", false, list(build.defines)},
+        {"flags", false, list(build.flags)},
+        {"linkFlags", false, list(build.linkFlags)},
+        {"linkerScript", false, single(build.linkerScript)},
+        {"output", false, single(build.output)},
+        {"files", false,
+         [&](Node* n, const std::string& k) {
+             filesNode = n;
+             filesKey = k;
+         }},
+        {"custom", false,
+         [&](Node* n, const std::string& k) {
+             readList(n, k, [&](Node* item, const std::string& itemKey) { parseCustomOperation(item, itemKey, build); });
+         }},
+    });
+    if (filesNode != nullptr) {
+        parseBuildFiles(filesNode, filesKey, build); // after 'sources', wherever it stands
+    }
+    m_workspace.m_build = std::move(build);
+}
+
+void WorkspaceParser::parseBuildFiles(Node* map, const std::string& key, services::BuildSettings& build)
+{
+    if (!expect(map, YAML_MAPPING_NODE, key)) {
+        return;
+    }
+    std::map<std::string, int> seen; // source -> line
+    for (yaml_node_pair_t* pair = map->data.mapping.pairs.start; pair < map->data.mapping.pairs.top; ++pair) {
+        Node* name = node(pair->key);
+        if (name->type != YAML_SCALAR_NODE) {
+            fail(name, std::string("a key ") + inMap(key) + " must be a single value, not " + kindName(name->type));
+        }
+        const std::string source = scalarText(name);
+        const auto [first, added] = seen.emplace(source, lineOf(name));
+        if (!added) {
+            fail(name, "duplicate key '" + source + "' " + inMap(key) + " (first on line "
+                           + std::to_string(first->second) + ")");
+        }
+        if (std::find(build.sources.begin(), build.sources.end(), source) == build.sources.end()) {
+            fail(name, "'" + source + "' in '" + key + "' is not one of 'build.sources'");
+        }
+        services::BuildSettings::FileSettings file;
+        readMap(node(pair->value), join(key, source), {
+            {"includes", false, [&](Node* n, const std::string& k) { file.includes = texts(n, k); }},
+            {"defines", false, [&](Node* n, const std::string& k) { file.defines = texts(n, k); }},
+            {"flags", false, [&](Node* n, const std::string& k) { file.flags = texts(n, k); }},
+        });
+        if (!file.empty()) {
+            build.files[source] = std::move(file);
+        }
+    }
+}
+
+void WorkspaceParser::parseCustomOperation(Node* map, const std::string& key, services::BuildSettings& build)
+{
+    services::BuildSettings::CustomOperation operation;
+    Node* nameNode = nullptr;
+    readMap(map, key, {
+        {"name", true,
+         [&](Node* n, const std::string& k) {
+             operation.name = text(n, k);
+             nameNode = n;
+         }},
+        {"command", true, [&](Node* n, const std::string& k) { operation.command = text(n, k); }},
+    });
+    if (nameNode == nullptr) {
+        return; // a null entry
+    }
+    for (std::size_t i = 0; i < build.custom.size(); ++i) {
+        if (build.custom[i].name == operation.name) {
+            fail(nameNode, "duplicate custom operation name '" + operation.name + "' in '" + join(key, "name") + "'");
+        }
+    }
+    build.custom.push_back(std::move(operation));
+}
+
+std::vector<std::string> WorkspaceParser::texts(Node* list, const std::string& key)
+{
+    std::vector<std::string> items;
+    readList(list, key, [&](Node* n, const std::string& k) { items.push_back(text(n, k)); });
+    return items;
 }
 
 std::string WorkspaceParser::optionValue(Node* value, const std::string& key)

@@ -53,6 +53,11 @@ private:
     void parseTrigger(Node* map, const std::string& key);
     void parseHil(Node* list, const std::string& key);
     void parseHilChannel(Node* map, const std::string& key);
+    void parseBuild(Node* map, const std::string& key);
+    void parseBuildFiles(Node* map, const std::string& key, services::BuildSettings& build);
+    void parseCustomOperation(Node* map, const std::string& key, services::BuildSettings& build);
+    /// A list of single values.
+    std::vector<std::string> texts(Node* list, const std::string& key);
     /// The value of an option: a single value, or a list's items one a line.
     std::string optionValue(Node* value, const std::string& key);
 
