@@ -155,6 +155,7 @@ void BuildService::start(Job job)
     m_status = Status{State::Active, 0, 0};
     m_diagnostics.clear();
     m_stopRequested = false;
+    m_tool.reset();
     std::optional<BuildSettings> settings = m_settings;
     m_worker = std::thread([this, job = std::move(job), settings = std::move(settings)] { run(job, settings); });
 }

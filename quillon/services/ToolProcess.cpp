@@ -56,7 +56,9 @@ ToolProcess::Result ToolProcess::run(const std::vector<std::string>& arguments, 
     const pid_t pid = spawn(arguments, folder, writeEnd.get(), error);
     writeEnd.close();
     if (pid <= 0) {
-        result.output = error;
+        std::lock_guard<std::mutex> lock(m_mutex);
+        result.stopped = m_stopped;
+        result.output = m_stopped ? "" : error;
         return result;
     }
     result.output = readAll(readEnd.get());
@@ -64,8 +66,7 @@ ToolProcess::Result ToolProcess::run(const std::vector<std::string>& arguments, 
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         m_running = 0;
-        result.stopped = m_stopRequested;
-        m_stopRequested = false;
+        result.stopped = m_stopped;
     }
     if (WIFEXITED(status)) {
         result.exitCode = WEXITSTATUS(status);
@@ -76,10 +77,16 @@ ToolProcess::Result ToolProcess::run(const std::vector<std::string>& arguments, 
 void ToolProcess::stop()
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    m_stopped = true;
     if (m_running > 0) {
-        m_stopRequested = true;
         ::kill(-m_running, SIGKILL);
     }
+}
+
+void ToolProcess::reset()
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    m_stopped = false;
 }
 
 pid_t ToolProcess::spawn(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
@@ -109,6 +116,11 @@ pid_t ToolProcess::spawn(const std::vector<std::string>& arguments, const std::f
     {
         // Under the lock, so that a stop either sees the child or comes before it exists.
         std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_stopped) {
+            posix_spawn_file_actions_destroy(&actions);
+            posix_spawnattr_destroy(&attributes);
+            return 0;
+        }
         failure = posix_spawnp(&pid, argv[0], &actions, &attributes, argv.data(), environ);
         if (failure == 0) {
             m_running = pid;

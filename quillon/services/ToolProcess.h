@@ -11,7 +11,7 @@ namespace quillon::services {
 
 /// Runs one tool at a time as a child process, without a shell, in a folder of its choice, with its standard
 /// and error output captured together. `stop` from another thread kills the running tool and everything it
-/// started (the child leads a process group of its own).
+/// started (the child leads a process group of its own), and refuses to start tools until `reset`.
 class ToolProcess {
 public:
     struct Result {
@@ -31,8 +31,10 @@ public:
     /// Runs `arguments` (the first is the program, looked up in PATH when it has no '/') in `folder` and
     /// waits for it to end.
     Result run(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
-    /// Kills the running tool, if any; a later `run` is not affected.
+    /// Kills the running tool, if any; later runs end at once as stopped.
     void stop();
+    /// Lets tools run again after a stop.
+    void reset();
 
 private:
     /// Starts the child with its output on `writeEnd`; its pid, or an error text in `error`.
@@ -43,7 +45,7 @@ private:
 
     std::mutex m_mutex;
     pid_t m_running = 0;
-    bool m_stopRequested = false;
+    bool m_stopped = false;
 };
 
 } // namespace quillon::services

@@ -38,6 +38,7 @@ finished=(
   IDataDescriptor IVectorElementDescriptors IEnumMap IVectorEnumMaps
   SStartingPoint SProfilerStartingPoint SProfilerEncode CProfilerCapabilities CProfilerStatus CAreaProperties
   CProfilerController
+  CProjectController CBuildOptions CBuildStatus
 )
 # Free functions and registration exports, named whole.
 finished_names=(

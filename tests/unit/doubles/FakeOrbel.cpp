@@ -473,9 +473,30 @@ public:
     FakeProject() : Fake<OrbelProject>("OrbelProject") {}
 
     HRESULT Reserved1() override { return E_NOTIMPL; }
-    HRESULT ProjectCommand(DWORD, const char*, const char*) override { return E_NOTIMPL; }
-    HRESULT GetBuildStatus(DWORD, CBuildStatus*) override { return E_NOTIMPL; }
-    HRESULT BuildOption(DWORD, const char*, const char*, char*, DWORD) override { return E_NOTIMPL; }
+    HRESULT ProjectCommand(DWORD word, const char* second, const char* third) override
+    {
+        record("Project.ProjectCommand(" + hex(word) + ", " + textOf(second) + ", " + textOf(third) + ")");
+        return answer(answers().projectCommand, word, second, third);
+    }
+    HRESULT GetBuildStatus(DWORD reserved, CBuildStatus* status) override
+    {
+        record("Project.GetBuildStatus(" + std::to_string(reserved) + ")");
+        return answer(answers().getBuildStatus, reserved, status);
+    }
+    /// The value is recorded as far as its size reaches, with the size.
+    HRESULT BuildOption(DWORD word, const char* scope, const char* option, char* value, DWORD size) override
+    {
+        std::string given = "NULL";
+        if (value != nullptr) {
+            given = "'" + std::string(value, strnlen(value, size)) + "'";
+        }
+        record("Project.BuildOption(" + hex(word) + ", " + textOf(scope) + ", " + textOf(option) + ", " + given +
+               ", " + std::to_string(size) + ")");
+        return answer(answers().buildOption, word, scope, option, value, size);
+    }
+
+private:
+    static fakeorbel::ProjectAnswers& answers() { return g_state.script.project; }
 };
 
 class FakeCoverage : public Fake<OrbelCoverage> {

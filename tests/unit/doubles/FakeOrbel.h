@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "CBuildStatus.h"
 #include "CCPUInfo.h"
 #include "GUID.h"
 #include "OrbelResults.h"
@@ -104,12 +105,23 @@ struct HilAnswers {
     std::function<HRESULT(DWORD, kestrix::SHILInfo*)> getInfo;
 };
 
+/// Answers of the project operations.
+struct ProjectAnswers {
+    /// (word, second, third).
+    std::function<HRESULT(DWORD, const char*, const char*)> projectCommand;
+    /// (reserved, status).
+    std::function<HRESULT(DWORD, kestrix::CBuildStatus*)> getBuildStatus;
+    /// (word, scope, option, value buffer, size).
+    std::function<HRESULT(DWORD, const char*, const char*, char*, DWORD)> buildOption;
+};
+
 /// What the double answers.
 struct Script {
     DebugAnswers debug;
     IdeAnswers ide;
     CoverageAnswers coverage;
     HilAnswers hil;
+    ProjectAnswers project;
     HRESULT createResult = kestrix::S_OK;
     /// Interfaces (by name, "Orbel", "OrbelIDE3", ...) that QueryInterface refuses.
     std::vector<std::string> missing;
