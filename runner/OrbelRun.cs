@@ -1,7 +1,8 @@
 // The command-line runner over the generated C# proxies: runs test files on their target and
 // judges them, or shows them in the flat form that a run executes.
 //
-//   OrbelRun [FILE...]              runs the tests; without FILE the files in examples/
+//   OrbelRun [FILE...]              runs the tests; without FILE the files in examples/. The
+//                                   example firmware is built first if its sources are newer.
 //   OrbelRun --show [FILE...]       shows each test in flat form, runs nothing
 //   OrbelRun FILE --save OUT        reads a file and writes it back through the library
 //   OrbelRun --self-check           a short round through the binding
@@ -45,6 +46,9 @@ public static class OrbelRun {
     }
     if (saveTo != null || isShowOnly) {
       return ShowFiles(files, saveTo);
+    }
+    if (!FirmwareBuild.EnsureBuilt()) {
+      return TestFileRun.Unusable;
     }
     int status = TestFileRun.AllPassed;
     foreach (string file in files) {
