@@ -50,7 +50,7 @@ namespace quillon {
 ///       includes: [include]           # each passed as -I
 ///       defines: [NDEBUG, BAUD=9600]  # each passed as -D
 ///       flags: [-mcpu=cortex-m3, -mthumb, -O1, -g]    # compile flags, also given to the link
-///       linkFlags: [-Wl,--gc-sections, -lgcc]         # behind the objects in the link
+///       linkFlags: ["-Wl,--gc-sections", -lgcc]       # behind the objects; quote items with commas
 ///       linkerScript: firmware.ld     # passed as -T; default none
 ///       output: build/firmware.elf    # objects go beside it: build/obj/main.o
 ///       files:                        # settings of single sources, added to the project's
