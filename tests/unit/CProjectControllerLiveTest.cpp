@@ -43,8 +43,8 @@ protected:
         std::filesystem::remove_all(folder);
         std::filesystem::create_directories(folder);
         std::ofstream(folder + "/ws.yaml", std::ios::binary) << WORKSPACE;
-        std::ofstream(folder + "/main.c", std::ios::binary) << "#ifndef LEVEL\n#error no level\n#endif\n"
-                                                               "int main(void) { return LEVEL; }\n";
+        std::ofstream(folder + "/main.c", std::ios::binary) << "#ifndef LEVEL\n#error no level\n#else\n"
+                                                               "int main(void) { return LEVEL; }\n#endif\n";
         mgr = std::make_shared<ConnectionMgr>();
         mgr->connectMRU(folder + "/ws.yaml");
     }
