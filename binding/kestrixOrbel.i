@@ -30,6 +30,7 @@
 %include "IDE.i"
 %include "Documents.i"
 %include "HIL.i"
+%include "Objects.i"
 %include "TestRun.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.
