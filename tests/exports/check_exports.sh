@@ -35,15 +35,17 @@ allowed=(
 have=$(nm -D --defined-only "$lib" | awk '{print $3}' | sort -u)
 want=$(sort -u "$catalogue")
 
-# Names of the pending classes: methods, fields, constructors, destructor, upcasts.
-pending_pattern="^CSharp_(new_|delete_)?($(IFS='|'; echo "${pending_classes[*]}"))(_|Upcast$|__SWIG_|$)"
+# Names of the pending classes: methods, fields, constructors (`new_<Class>WS` of a method
+# `newWS` too), destructor, upcasts.
+pending_pattern="^CSharp_(new_|delete_)?($(IFS='|'; echo "${pending_classes[*]}"))([_A-Z]|$)"
 [ ${#pending_classes[@]} -eq 0 ] && pending_pattern='^$'
 is_pending() { grep -E "$pending_pattern" || true; }
 not_pending() { grep -vE "$pending_pattern" || true; }
 
 status=0
 
-stray=$(comm -23 <(echo "$have") <(echo "$want") | grep -vxF -f <(printf '%s\n' "${allowed[@]}") | not_pending)
+stray=$(comm -23 <(echo "$have") <(echo "$want") | { grep -vxF -f <(printf '%s\n' "${allowed[@]}") || true; } \
+  | not_pending)
 if [ -n "$stray" ]; then
   echo "exported but not in the catalogue:"
   echo "$stray" | sed 's/^/  /'
