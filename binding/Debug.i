@@ -48,10 +48,11 @@ KX_AUTOMATION_RECORD(SBatchAccessItemResult)
 %nodefaultdtor kestrix::DebugService_JTAG::Scan;
 %include "Scan.h"
 
-// The scan service's identifier: each read gives a fresh copy, which the managed side keeps.
+// The identifiers of the JTAG services: each read gives a fresh copy, which the managed side keeps.
 %typemap(out) kestrix::GUID * %{ $result = new kestrix::GUID(*$1); %}
 %immutable;
 namespace kestrix {
+extern const GUID SERVICE_Line;
 extern const GUID SERVICE_Scan;
 }
 %mutable;

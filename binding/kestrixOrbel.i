@@ -31,6 +31,7 @@
 %include "Documents.i"
 %include "HIL.i"
 %include "Project.i"
+%include "Objects.i"
 %include "TestRun.i"
 
 // Catalogue names where SWIG's own differ; must come after the wrapped classes.

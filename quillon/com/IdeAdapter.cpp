@@ -1,5 +1,6 @@
 #include "com/IdeAdapter.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -197,10 +198,38 @@ HRESULT IdeAdapter::option(DWORD flags, const char* scope, const char* name, SOp
         return fail(kestrix::E_INVALIDARG, message("no option name given"));
     }
     const std::string path = OptionTree::path(module, scopeText, name);
+    HRESULT result = kestrix::S_OK;
     if (flags & F::ofDynamicMask) {
-        return dynamicOption(options, path, flags & F::ofDynamicMask, *value);
+        result = dynamicOption(options, path, flags & F::ofDynamicMask, *value);
+    } else if (flags & F::ofRead) {
+        result = readOption(options, path, kind, *value);
+    } else {
+        result = writeOption(options, path, kind, *value);
     }
-    return (flags & F::ofRead) ? readOption(options, path, kind, *value) : writeOption(options, path, kind, *value);
+    if (result == kestrix::S_OK) {
+        value->m_pIDescriptor = describe(options, path);
+    }
+    return result;
+}
+
+kestrix::IDescriptor* IdeAdapter::describe(const OptionTree& options, const std::string& path)
+{
+    const bool isItem = !path.empty() && path.back() == ']' && path.rfind('[') != std::string::npos;
+    const std::string optionPath = isItem ? path.substr(0, path.rfind('[')) : path;
+    const auto& definitions = OptionTree::definitions();
+    const auto definition = std::find_if(definitions.begin(), definitions.end(),
+                                         [&](const OptionTree::Definition& d) { return optionPath == d.path; });
+    if (definition == definitions.end()) {
+        return nullptr;
+    }
+    std::unique_ptr<OptionDescriptor>& descriptor = m_optionDescriptors[path];
+    if (!descriptor) {
+        descriptor = std::make_unique<OptionDescriptor>(owner(), path, definition->kind, isItem);
+    }
+    if (definition->kind == OptionTree::Kind::List && !isItem) {
+        descriptor->setItemCount(DWORD(options.listSize(path)));
+    }
+    return descriptor.get();
 }
 
 HRESULT IdeAdapter::setNameValues(OptionTree& options, const std::string& module, const std::string& scope,

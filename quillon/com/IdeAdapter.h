@@ -1,7 +1,12 @@
 #pragma once
 
+#include <map>
+#include <memory>
+#include <string>
+
 #include "OrbelIDE3.h"
 #include "com/Adapter.h"
+#include "com/OptionDescriptor.h"
 #include "com/Session.h"
 #include "services/OptionTree.h"
 
@@ -12,11 +17,13 @@ namespace quillon::com {
 /// a headless instance has no main window; of the folders it tells the workspace's folder
 /// (request 0x10) and no other. `Option` reads and writes the instance's `OptionTree`: the
 /// module bits name the module of the path, and an option is set at once, so a commit has
-/// nothing to do. An unknown option answers ORBEL_E_BAD_ID, a bad value E_INVALIDARG, a text or
-/// number that does not fit the caller's record ORBEL_E_SIZE, each with the message. `Document`
-/// acts on the instance's documents (DocumentCommand): S_FALSE where stop or is-active say no,
-/// else a failure's code with its message. The workspace, windows and service calls answer
-/// E_NOTIMPL with a message that names them.
+/// nothing to do. Every operation on one named option that succeeds gives the option's
+/// descriptor (OptionDescriptor) in `m_pIDescriptor`. An unknown option answers
+/// ORBEL_E_BAD_ID, a bad value E_INVALIDARG, a text or number that does not fit the caller's
+/// record ORBEL_E_SIZE, each with the message. `Document` acts on the instance's documents
+/// (DocumentCommand): S_FALSE where stop or is-active say no, else a failure's code with its
+/// message. The workspace, windows and service calls answer E_NOTIMPL with a message that
+/// names them.
 class IdeAdapter final : public Adapter<kestrix::OrbelIDE3> {
 public:
     IdeAdapter(kestrix::IUnknown& owner, LastError& lastError, Session& session)
@@ -48,8 +55,11 @@ private:
                         const kestrix::SOptionValue& value);
     HRESULT dynamicOption(services::OptionTree& options, const std::string& path, DWORD operation,
                           kestrix::SOptionValue& value);
+    /// The descriptor of the option or list item at `path`, kept for the life of the adapter.
+    kestrix::IDescriptor* describe(const services::OptionTree& options, const std::string& path);
 
     Session& m_session;
+    std::map<std::string, std::unique_ptr<OptionDescriptor>> m_optionDescriptors; ///< by path
 };
 
 } // namespace quillon::com

@@ -11,6 +11,7 @@ public static class ManagedTestMain {
     ConnectionTests.Run();
     DebugTests.Run();
     IdeTests.Run();
+    ObjectTests.Run();
     DocumentTests.Run();
     TestRunTests.Run();
     RunnerTests.Run();

@@ -4,6 +4,10 @@
 #include <string>
 
 #include "ComFixture.h"
+#include "IDataDescriptor.h"
+#include "IDescriptor.h"
+#include "IVariableDescriptor.h"
+#include "IVectorVariableDescriptors.h"
 #include "OrbelFlags.h"
 #include "OrbelIDE3.h"
 #include "OrbelIDEFlags.h"
@@ -176,6 +180,76 @@ TEST_F(IdeOptionTest, DynamicOptionsAndCommit)
     commit.m_dwStringOutSize = sizeof(out);
     EXPECT_EQ(S_OK, ide->Option(F::ofCommit, nullptr, nullptr, &commit));
     EXPECT_STREQ("", out);
+}
+
+// A descriptor of each kind of option, read through the lists a client walks.
+TEST_F(IdeOptionTest, OperationsOnOneOptionGiveItsDescriptor)
+{
+    options().set(OptionTree::kSourcePaths, "src\nlib\ninc");
+    struct Case {
+        const char* scope;
+        const char* name;
+        const char* path;
+        const char* info;
+        DWORD type;
+        DWORD size;
+        DWORD dimension;
+        DWORD container;
+    };
+    const Case cases[] = {
+        {"Debug", "StopOnReset", "/IDE/Debug/StopOnReset", "bool", SType::tUnsigned, 1, 0, 0},
+        {"Test", "MaxInstructions", "/IDE/Test/MaxInstructions", "integer", SType::tUnsigned, 8, 0, 0},
+        {"Debug", "SourcePaths", "/IDE/Debug/SourcePaths", "list", SType::tUndefined, 0, 3, 1},
+        {"Debug", "SourcePaths[2]", "/IDE/Debug/SourcePaths[2]", "list item", SType::tUndefined, 0, 0, 0},
+    };
+    for (const Case& c : cases) {
+        std::string buffer(64, '\0');
+        SOptionValue value;
+        value.m_pszStringOut = buffer.data();
+        value.m_dwStringOutSize = DWORD(buffer.size());
+        ASSERT_EQ(S_OK, ide->Option(F::ofRead | F::ofString, c.scope, c.name, &value)) << c.path;
+        ASSERT_NE(nullptr, value.m_pIDescriptor) << c.path;
+        IVectorVariableDescriptors* list = value.m_pIDescriptor->VariableDescriptors();
+        ASSERT_EQ(1u, list->size()) << c.path;
+        EXPECT_EQ(nullptr, list->at(1)) << c.path;
+        IVariableDescriptor* variable = list->at(0);
+        EXPECT_STREQ(c.path, variable->Name());
+        EXPECT_STREQ(c.info, variable->Info()) << c.path;
+        EXPECT_EQ(c.dimension, variable->Dimension()) << c.path;
+        IDataDescriptor* data = variable->DataDescriptor();
+        EXPECT_EQ(c.type, data->Type()) << c.path;
+        EXPECT_EQ(c.size, data->Size()) << c.path;
+        EXPECT_EQ(c.container, data->Container()) << c.path;
+        EXPECT_EQ(nullptr, data->Struct()) << c.path;
+        EXPECT_EQ(nullptr, data->Enum()) << c.path;
+    }
+}
+
+TEST_F(IdeOptionTest, OptionDescriptorLivesWithTheObjectAndFollowsTheList)
+{
+    SOptionValue size;
+    ASSERT_EQ(S_OK, ide->Option(F::ofDynamicSize, "Debug", "SourcePaths", &size));
+    IDescriptor* first = size.m_pIDescriptor;
+    ASSERT_NE(nullptr, first);
+    EXPECT_EQ(0u, first->VariableDescriptors()->at(0)->Dimension());
+
+    SOptionValue at0 = integerRecord(0);
+    ASSERT_EQ(S_OK, ide->Option(F::ofAddDynamic, "Debug", "SourcePaths", &at0));
+    EXPECT_EQ(first, at0.m_pIDescriptor) << "one descriptor per option";
+    EXPECT_EQ(1u, first->VariableDescriptors()->at(0)->Dimension());
+
+    IDescriptor* asked = nullptr;
+    ASSERT_EQ(S_OK, first->QueryInterface(IID_IDescriptor, reinterpret_cast<void**>(&asked)));
+    EXPECT_EQ(first, asked);
+    asked->Release();
+
+    SOptionValue failed;
+    EXPECT_EQ(ORBEL_E_BAD_ID, ide->Option(F::ofRead | F::ofInteger, "Debug", "Nope", &failed));
+    EXPECT_EQ(nullptr, failed.m_pIDescriptor);
+    SOptionValue pairs;
+    pairs.m_pszStringIn = "StopOnReset:0";
+    ASSERT_EQ(S_OK, ide->Option(F::ofNameValue, "Debug", "", &pairs));
+    EXPECT_EQ(nullptr, pairs.m_pIDescriptor) << "a text of several options has no one descriptor";
 }
 
 TEST_F(IdeOptionTest, WorkspaceFolderIsTheFirstPath)
