@@ -103,21 +103,6 @@ TEST_F(CTestCaseLiveTest, LocalsPassedByAddressAndCharacterArrays)
     EXPECT_EQ((StrVector{"", "", "", ""}), results);
 }
 
-TEST_F(CTestCaseLiveTest, StubReplacesTheBodyOfAFunction)
-{
-    // A saturated sample goes to the restart, whose real body would fill the window.
-    const StrVector results = run(std::string(EMPTY_FILTER) + "func: [filter_step, [5000], rv]\n"
-                                                              "stubs:\n"
-                                                              "- func: [filter_restart, restarted]\n"
-                                                              "  params: [limit]\n"
-                                                              "  assign:\n"
-                                                              "    restarted: limit - 3\n"
-                                                              "expect:\n"
-                                                              "- rv == 1020\n"
-                                                              "- g_filter.count == 0\n");
-    EXPECT_EQ((StrVector{"", ""}), results);
-}
-
 TEST_F(CTestCaseLiveTest, FaultEndsTheTestAbnormally)
 {
     try {
