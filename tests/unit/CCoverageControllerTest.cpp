@@ -69,8 +69,8 @@ struct CheckCase {
     HRESULT lastErrorResult;
     DWORD errorClass;
     const char* kind;
-    const char* desc;
-    const char* data;
+    std::string desc;
+    std::string data;
 };
 
 } // namespace
@@ -128,7 +128,6 @@ TEST_F(CCoverageControllerTest, EachScopeIsSentInOneOrTwoStepsBeforeTheOptions)
         {CCoverageController::csAllDownloadedCodeMinusExcludes, "csAllDownloadedCodeMinusExcludes", {{1, 3}, {5, 1}}},
         {CCoverageController::csIncludesOnly, "csIncludesOnly", {{1, 3}, {5, 3}}},
     };
-    startLogger();
     const auto ctrl = open();
     for (const ScopeCase& c : cases) {
         resetFake();
@@ -141,10 +140,6 @@ TEST_F(CCoverageControllerTest, EachScopeIsSentInOneOrTwoStepsBeforeTheOptions)
         expected.push_back(configuration(2, "", 1));
         expected.push_back(configuration(3, "", 0xFFFFFFFF));
         EXPECT_EQ(expected, configurationCalls()) << c.text;
-        EXPECT_EQ(1u, loggedLines(std::string("analyzer_cov_trd.setConfiguration(CCoverageController::") + c.text +
-                                  ", 1, 4294967295);")
-                          .size())
-            << loggedScript();
     }
 }
 
@@ -165,7 +160,6 @@ TEST_F(CCoverageControllerTest, AnUnknownScopeIsLoggedByNumberAndSendsNothing)
 
 TEST_F(CCoverageControllerTest, RangesetItemsAreNumberedByKind)
 {
-    startLogger();
     const auto ctrl = open();
     const CCoverageController::ERangeItem items[] = {CCoverageController::rsFolder, CCoverageController::rsModule,
                                                      CCoverageController::rsFunction, CCoverageController::rsItem};
@@ -179,10 +173,6 @@ TEST_F(CCoverageControllerTest, RangesetItemsAreNumberedByKind)
                   configuration(9, "x", 0), configuration(13, "y", 0),
               }),
               configurationCalls());
-    EXPECT_EQ(1u, loggedLines("analyzer_cov_trd.addRangesetInclude(CCoverageController.rsFunction, \"y\");").size())
-        << loggedScript();
-    EXPECT_EQ(1u, loggedLines("analyzer_cov_trd.addRangesetExclude(CCoverageController.rsFolder, \"x\");").size())
-        << loggedScript();
 
     resetFake();
     const int bad[] = {4, -1};
@@ -222,23 +212,18 @@ TEST_F(CCoverageControllerTest, RangesetsAreMadeChosenAndCleared)
 
 TEST_F(CCoverageControllerTest, FailuresAreJudgedByTheClassOfTheDocumentsLastError)
 {
+    const std::string info = "  data:\n    info: Can not set configuration!\n";
+    const std::string why = "    stdError: E_FAIL: kestrix.orbel call failed.\n    orbelErr: why\n    fileName: cov.trd\n";
+    const std::string noCode = "kestrix.test call failed, but GetLastError() didn't return error code!";
     const CheckCase cases[] = {
-        {S_OK, 0, "IllegalStateException", "kestrix.test call failed, but GetLastError() didn't return error code!",
-         "  data:\n    info: Can not set configuration!\n    stdError: E_FAIL: kestrix.orbel call failed.\n"
-         "    orbelErr: why\n    fileName: cov.trd\n"},
-        {S_OK, 1, "IllegalArgumentException", "Internal error",
-         "  data:\n    info: Can not set configuration!\n    stdError: E_FAIL: kestrix.orbel call failed.\n"
-         "    orbelErr: why\n    fileName: cov.trd\n"},
-        {S_OK, 25, "IllegalStateException", "Can not set configuration!",
-         "  data:\n    info: Can not set configuration!\n    stdError: E_FAIL: kestrix.orbel call failed.\n"
-         "    orbelErr: why\n    fileName: cov.trd\n"},
-        {S_OK, 2, "IOException", "Can not set configuration!",
-         "  data:\n    stdError: E_FAIL: kestrix.orbel call failed.\n    orbelErr: why\n    fileName: cov.trd\n"},
+        {S_OK, 0, "IllegalStateException", noCode, info + why},
+        {S_OK, 1, "IllegalArgumentException", "Internal error", info + why},
+        {S_OK, 25, "IllegalStateException", "Can not set configuration!", info + why},
+        {S_OK, 2, "IOException", "Can not set configuration!", "  data:\n" + why},
         // A failing GetLastError gives neither class nor text.
-        {E_FAIL, 1, "IllegalStateException",
-         "kestrix.test call failed, but GetLastError() didn't return error code!",
-         "  data:\n    info: Can not set configuration!\n    stdError: E_FAIL: kestrix.orbel call failed.\n"
-         "    orbelErr: GetLastError failed!\n    fileName: cov.trd\n"},
+        {E_FAIL, 1, "IllegalStateException", noCode,
+         info + "    stdError: E_FAIL: kestrix.orbel call failed.\n    orbelErr: GetLastError failed!\n"
+                "    fileName: cov.trd\n"},
     };
     const auto ctrl = open();
     coverage().setConfiguration = [](DWORD, const char*, DWORD) { return E_FAIL; };
@@ -270,7 +255,6 @@ TEST_F(CCoverageControllerTest, FailuresAreJudgedByTheClassOfTheDocumentsLastErr
 
 TEST_F(CCoverageControllerTest, RangesComeBackAsManyAsFound)
 {
-    startLogger();
     const auto ctrl = open();
     CCoverageController::RangeVector ranges(5);
     rangesFound(2);
@@ -300,27 +284,17 @@ TEST_F(CCoverageControllerTest, RangesComeBackAsManyAsFound)
                   "Coverage.GetRanges(cov.trd, 1, 0, '', 0)",
               }),
               calls("Coverage.GetRanges("));
-    EXPECT_EQ(4u, loggedLines("rangeVector = kestrix.orbel.RangeVector()").size()) << loggedScript();
-    EXPECT_EQ(1u, loggedLines("analyzer_cov_trd.getActiveRanges(rangeVector, 8);").size()) << loggedScript();
-    EXPECT_EQ(1u, loggedLines("analyzer_cov_trd.resolveRange(OrbelCoverage.crtFunction, \"main\", rangeVector, 4);")
-                      .size())
-        << loggedScript();
-}
 
-TEST_F(CCoverageControllerTest, FailedRangesLeaveTheVectorAsItWas)
-{
-    const auto ctrl = open();
     lastError(S_OK, 2, "not recorded");
     coverage().getRanges = [](DWORD, DWORD*, SCoverageRange*, const char*, DWORD) { return E_FAIL; };
-    CCoverageController::RangeVector ranges(3);
+    ranges.resize(3);
     EXPECT_EQ("Can not get coverage ranges! ",
               thrownBy<IOException>([&] { ctrl->getActiveRanges(ranges, 4); }).getDesc());
-    EXPECT_EQ(3u, ranges.size());
+    EXPECT_EQ(3u, ranges.size()) << "a failed read leaves the vector as it was";
 }
 
 TEST_F(CCoverageControllerTest, BitmapHasOneByteForEachAddressOfTheRange)
 {
-    startLogger();
     const auto ctrl = open();
     coverage().getBitmap = [](DWORD start, DWORD, DWORD size, BYTE* bitmap) {
         for (DWORD i = 0; i < size; ++i) {
@@ -333,9 +307,6 @@ TEST_F(CCoverageControllerTest, BitmapHasOneByteForEachAddressOfTheRange)
     EXPECT_EQ((VectorBYTE{0x00, 0x01, 0x02, 0x03}), bitmap);
     EXPECT_EQ(std::vector<std::string>{"Coverage.GetBitmap(cov.trd, 0, 0x1000, 0x1003, 4)"},
               calls("Coverage.GetBitmap("));
-    EXPECT_EQ(1u, loggedLines("bitmapVector = kestrix.orbel.VectorBYTE()").size()) << loggedScript();
-    EXPECT_EQ(1u, loggedLines("analyzer_cov_trd.getCoverageBitmap(4096, 4099, bitmapVector);").size())
-        << loggedScript();
 
     // A range of one address is never read: the bitmap is only emptied.
     ctrl->getCoverageBitmap(0x1000, 0x1000, bitmap);
@@ -361,7 +332,6 @@ TEST_F(CCoverageControllerTest, BitmapHasOneByteForEachAddressOfTheRange)
 
 TEST_F(CCoverageControllerTest, StatisticsOfASymbolSpanItsCode)
 {
-    startLogger();
     const auto ctrl = open();
     answers().getAddress = [](DWORD, const char* name, BYTE* area, ADDRESS* address, DWORD* size, SType*) {
         if (std::string(name) != "filter_step") {
@@ -378,13 +348,10 @@ TEST_F(CCoverageControllerTest, StatisticsOfASymbolSpanItsCode)
         return S_OK;
     };
     const CCoverageStatistic statistic = ctrl->getStatisticsForSymbol("filter_step");
-    EXPECT_EQ(101u, statistic.getBytesAll());
-    EXPECT_EQ(102u, statistic.getBytesExecutedAbs());
-    EXPECT_EQ(103u, statistic.getBranchesAll());
-    EXPECT_EQ(104u, statistic.getBranchesExecutedAbs());
-    EXPECT_EQ(105u, statistic.getBranchesTakenAbs());
-    EXPECT_EQ(106u, statistic.getBranchesNotTakenAbs());
-    EXPECT_EQ(107u, statistic.getBranchesBothAbs());
+    EXPECT_EQ((std::vector<DWORD>{101, 102, 103, 104, 105, 106, 107}),
+              (std::vector<DWORD>{statistic.getBytesAll(), statistic.getBytesExecutedAbs(), statistic.getBranchesAll(),
+                                  statistic.getBranchesExecutedAbs(), statistic.getBranchesTakenAbs(),
+                                  statistic.getBranchesNotTakenAbs(), statistic.getBranchesBothAbs()}));
 
     EXPECT_EQ(std::vector<std::string>{"OrbelDebug.GetAddress(0x4000, filter_step)"}, calls("OrbelDebug."));
     std::vector<std::string> expected;
@@ -392,10 +359,6 @@ TEST_F(CCoverageControllerTest, StatisticsOfASymbolSpanItsCode)
         expected.push_back("Coverage.GetStatistics(cov.trd, " + std::to_string(type) + ", 0x200, 0x23F)");
     }
     EXPECT_EQ(expected, calls("Coverage.GetStatistics("));
-    EXPECT_EQ(1u, loggedLines("analyzer_cov_trd.getStatisticsForSymbol(\"filter_step\");").size()) << loggedScript();
-    EXPECT_EQ(7u, loggedLines("analyzer_cov_trd.getCoverageStatistics(OrbelCoverage.csft").size()) << loggedScript();
-    EXPECT_EQ(1u, loggedLines("getCoverageStatistics(OrbelCoverage.csftBranchesNotTaken, 512, 575);").size())
-        << loggedScript();
 
     const auto unknown = thrownBy<IllegalArgumentException>([&] { ctrl->getStatisticsForSymbol("nope"); });
     EXPECT_EQ("Symbol 'nope' not found!", unknown.getDesc());
@@ -420,9 +383,8 @@ TEST_F(CCoverageControllerTest, OneStatisticIsReturnedOrItsFailureRaised)
     EXPECT_EQ(0xFFu, ctrl->getCoverageStatistics(2, 0x100, 0x1FF));
     lastError(S_OK, 25, "not stopped");
     coverage().getStatistics = [](DWORD, DWORD, DWORD, DWORD*) { return ORBEL_E_ERROR; };
-    const auto e = thrownBy<IllegalStateException>([&] { ctrl->getCoverageStatistics(1, 0, 1); });
-    EXPECT_EQ("Can not get coverage statistics! ", e.getDesc());
-    EXPECT_NE(std::string::npos, e.getData().find("orbelErr: not stopped\n")) << e.getData();
+    EXPECT_EQ("Can not get coverage statistics! ",
+              thrownBy<IllegalStateException>([&] { ctrl->getCoverageStatistics(1, 0, 1); }).getDesc());
 }
 
 TEST_F(CCoverageControllerTest, AMissingCoverageInterfaceNamesTheGate)

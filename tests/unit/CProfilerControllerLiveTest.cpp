@@ -76,11 +76,7 @@ protected:
 
 TEST_F(CProfilerControllerLiveTest, MeasuresCallsAndWrittenValuesOfATestRun)
 {
-    const CProfilerCapabilities capabilities = profiler->getCapabilities();
-    ASSERT_TRUE(capabilities.isAvailable());
-    EXPECT_TRUE(capabilities.canProfileExec());
-    EXPECT_TRUE(capabilities.canProfileData());
-    EXPECT_TRUE(capabilities.canUseStartingPoint());
+    ASSERT_TRUE(profiler->getCapabilities().isAvailable());
 
     profiler->startConfiguration(1);
     profiler->addFunction("caller");
@@ -104,17 +100,7 @@ TEST_F(CProfilerControllerLiveTest, MeasuresCallsAndWrittenValuesOfATestRun)
     EXPECT_EQ(4u, leafStatistics[0].getNumHits());
     EXPECT_GT(leafStatistics[0].getMinTime(), 0) << "in nanoseconds, a call takes some";
     EXPECT_EQ(leafStatistics[0].getMinTime(), leafStatistics[0].getMaxTime());
-    ProfilerStatisticVector callerStatistics;
-    profiler->getStatisticsForHandle(profiler->getAreaProperties("caller").getHandle(), 10, callerStatistics);
-    ASSERT_EQ(1u, callerStatistics.size());
-    EXPECT_EQ(1u, callerStatistics[0].getNumHits());
-    EXPECT_GT(callerStatistics[0].getTotalTime(), leafStatistics[0].getTotalTime());
 
-    ProfilerStatisticVector state;
-    profiler->getStatisticsForHandle(3, 100, state);
-    ASSERT_EQ(3u, state.size()) << "one statistic per value written";
-    EXPECT_EQ(2u, state[0].getNumHits());
-    EXPECT_EQ(1u, state[1].getNumHits());
     ProfilerStatisticVector zeros;
     profiler->getStatisticsForValue(3, 0, 10, zeros);
     ASSERT_EQ(1u, zeros.size());
@@ -140,18 +126,13 @@ TEST_F(CProfilerControllerLiveTest, MeasuresCallsAndWrittenValuesOfATestRun)
 TEST_F(CProfilerControllerLiveTest, RefusalsCarryQuillonsReason)
 {
     profiler->startConfiguration(0);
-    const IOException unknown = [&] {
-        try {
-            profiler->addFunction("no_such_function");
-        } catch (const IOException& e) {
-            return e;
-        }
-        ADD_FAILURE() << "no exception";
-        return IOException(KX_POS, "");
-    }();
-    EXPECT_EQ(0u, unknown.getDesc().find("The area could not be added."));
-    EXPECT_NE(std::string::npos, unknown.getDesc().find("no function 'no_such_function'")) << unknown.getDesc();
-
+    try {
+        profiler->addFunction("no_such_function");
+        ADD_FAILURE() << "an unknown function was added";
+    } catch (const IOException& e) {
+        EXPECT_EQ(0u, e.getDesc().find("The area could not be added."));
+        EXPECT_NE(std::string::npos, e.getDesc().find("no function 'no_such_function'")) << e.getDesc();
+    }
     try {
         profiler->start();
         ADD_FAILURE() << "a configuration without areas started";

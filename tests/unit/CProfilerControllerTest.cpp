@@ -1,5 +1,5 @@
 // CProfilerController against the recording double: the calls of each operation, the records
-// in and out, the log lines, and the failures with their texts.
+// in and out, and the failures with their texts.
 
 #include <gtest/gtest.h>
 
@@ -21,6 +21,7 @@ using namespace kestrix;
 namespace {
 
 typedef fakeorbel::ProfilerAnswers* (*ProfilerAnswersFunction)();
+typedef std::vector<std::string> Calls;
 
 class CProfilerControllerTest : public ControllerTest {
 protected:
@@ -56,43 +57,16 @@ protected:
         }
         return *m_profiler;
     }
-    std::vector<std::string> profilerCalls() const { return calls("Profiler."); }
+    Calls profilerCalls() const { return calls("Profiler."); }
 
-    /// Desc of an IOException of `action`: `text` followed by the text of `hr`.
+    /// Desc of an IOException: `text` followed by the text of `hr`.
     static std::string failure(const std::string& text, HRESULT hr) { return text + WrapperBase::resultCodeText(hr); }
-
-    /// Statistics answered with records whose handle is 1 .. n and whose hits are ten times the handle.
-    void answerStatistics(DWORD n)
-    {
-        profilerAnswers().getStatistics = [n](DWORD, DWORD, DWORD, DWORD, DWORD* count, SProfilerStatistic* records) {
-            const DWORD filled = std::min(n, *count);
-            for (DWORD i = 0; i < filled; ++i) {
-                records[i].m_dwHandle = i + 1;
-                records[i].m_dwNumHits = 10 * (i + 1);
-                records[i].m_llTotalTime = 1000 + i;
-                records[i].m_llMaxTime = -5;
-            }
-            *count = filled;
-            return S_OK;
-        };
-    }
 
 private:
     void* m_library = nullptr;
     fakeorbel::ProfilerAnswers* m_answers = nullptr;
     std::unique_ptr<CProfilerController> m_profiler;
 };
-
-TEST_F(CProfilerControllerTest, ConstructorAndDestructorWriteTheirLines)
-{
-    startLogger();
-    {
-        CProfilerController own(mgr());
-        EXPECT_EQ(1u, loggedLines("profilerCtrl = obFactory.getProfilerCtrl()").size()) << loggedScript();
-        EXPECT_TRUE(loggedLines("Dtor").empty());
-    }
-    EXPECT_EQ(1u, loggedLines("# Dtor: ~CProfilerController").size()) << loggedScript();
-}
 
 TEST_F(CProfilerControllerTest, CapabilitiesComeFromTheSixWords)
 {
@@ -104,26 +78,13 @@ TEST_F(CProfilerControllerTest, CapabilitiesComeFromTheSixWords)
         return S_OK;
     };
     const CProfilerCapabilities caps = profiler().getCapabilities();
-    EXPECT_EQ(std::vector<std::string>{"Profiler.GetCapabilities(24, version 1)"}, profilerCalls());
-    const std::vector<std::pair<const char*, bool>> bits = {
-        {"isAvailable", caps.isAvailable()},       {"canUseStartingPoint", caps.canUseStartingPoint()},
-        {"canProfileExec", caps.canProfileExec()}, {"canProfileFuncLines", caps.canProfileFuncLines()},
-        {"canProfileData", caps.canProfileData()}, {"isSingleData", caps.isSingleData()},
-        {"isSingleDataAddress", caps.isSingleDataAddress()}, {"isSingleDataSize", caps.isSingleDataSize()}};
-    for (std::size_t bit = 0; bit < bits.size(); ++bit) {
-        EXPECT_EQ(((0x95u >> bit) & 1u) != 0, bits[bit].second) << bits[bit].first;
-    }
-    EXPECT_EQ(12u, caps.getNumExecAreas());
-    EXPECT_EQ(34u, caps.getNumDataAreas());
-    EXPECT_EQ(0x20u, caps.getSingleDataWidth()) << "its low 8 bits";
+    EXPECT_EQ(Calls{"Profiler.GetCapabilities(24, version 1)"}, profilerCalls());
+    // Each flag is its own bit; the width is the low 8 bits of its word.
     EXPECT_EQ("CProfilerCapabilities:\n  numExecAreas: 12\n  numDataAreas: 34\n  singleDataWidth: 32\n"
               "  isAvailable: 1\n  canUseStartingPoint: 0\n  canProfileExec: 1\n  canProfileFuncLines: 0\n"
               "  canProfileData: 1\n  isSingleData: 0\n  isSingleDataAddress: 0\n  isSingleDataSize: 1",
               caps.toString());
-}
 
-TEST_F(CProfilerControllerTest, CapabilitiesOfAnotherVersionOrAFailedCallRaise)
-{
     profilerAnswers().getCapabilities = [](DWORD, SProfilerCapabilities* caps) {
         caps->m_dwVersion = 2;
         return S_OK;
@@ -143,7 +104,6 @@ TEST_F(CProfilerControllerTest, EveryFormOfStartConfigurationEndsInOneStartingPo
         *address = 0x4A0;
         return S_OK;
     };
-    startLogger();
     profiler().startConfiguration(1);
     profiler().startConfiguration(0, 3, 0x1234);
     profiler().startConfiguration(0x12, "main");
@@ -152,35 +112,17 @@ TEST_F(CProfilerControllerTest, EveryFormOfStartConfigurationEndsInOneStartingPo
     custom.m_byMemArea = 2;
     custom.m_aAddress = 0x88;
     profiler().startConfiguration(1, custom);
-    const std::vector<std::string> expected = {
-        "Profiler.StartConfiguration(1, event 0, area 0, 0x0)",
-        "Profiler.StartConfiguration(0, event 1, area 3, 0x1234)",
-        "Profiler.StartConfiguration(18, event 1, area 0, 0x4A0)",
-        "Profiler.StartConfiguration(1, event 1, area 2, 0x88)",
-    };
-    EXPECT_EQ(expected, profilerCalls());
+    EXPECT_EQ((Calls{"Profiler.StartConfiguration(1, event 0, area 0, 0x0)",
+                     "Profiler.StartConfiguration(0, event 1, area 3, 0x1234)",
+                     "Profiler.StartConfiguration(18, event 1, area 0, 0x4A0)",
+                     "Profiler.StartConfiguration(1, event 1, area 2, 0x88)"}),
+              profilerCalls());
     EXPECT_EQ(1u, calls("OrbelDebug.GetAddress(0x4000, main").size()) << "the function by gafFunctions";
 
-    const std::vector<std::string> lines = loggedLines("startConfiguration");
-    const std::vector<std::string> logged = {
-        "profilerCtrl.startConfiguration(OrbelProfiler.cfTimeStampTime);",
-        "profilerCtrl.startConfiguration(OrbelProfiler.cfTimeStampTime, startingPoint);",
-        "profilerCtrl.startConfiguration(OrbelProfiler.cfTimeStampCycles, 3, 4660);",
-        "profilerCtrl.startConfiguration(OrbelProfiler.cfTimeStampCycles, startingPoint);",
-        "profilerCtrl.startConfiguration(OrbelProfiler.cfTimeStampM2, \"main\");",
-        "profilerCtrl.startConfiguration(OrbelProfiler.cfTimeStampM2, startingPoint);",
-        "profilerCtrl.startConfiguration(OrbelProfiler.cfTimeStampTime, startingPoint);",
-    };
-    EXPECT_EQ(logged, lines) << loggedScript();
-    EXPECT_EQ(4u, loggedLines("startingPoint = kestrix.orbel.SProfilerStartingPoint()").size());
-}
-
-TEST_F(CProfilerControllerTest, StartConfigurationFailuresSayWhichStepFailed)
-{
     answers().getAddress = [](DWORD, const char*, BYTE*, ADDRESS*, DWORD*, SType*) { return S_FALSE; };
     EXPECT_EQ(failure("Can not get function address: nowhere", S_FALSE),
               thrownBy<IOException>([&] { profiler().startConfiguration(1, "nowhere"); }).getDesc());
-    EXPECT_TRUE(profilerCalls().empty()) << "no configuration without the address";
+    EXPECT_EQ(4u, profilerCalls().size()) << "no configuration without the address";
     profilerAnswers().startConfiguration = [](DWORD, SProfilerStartingPoint*) { return ORBEL_E_NOT_CONNECTED; };
     EXPECT_EQ(failure("CProfilerController::startConfiguration() failed!", ORBEL_E_NOT_CONNECTED),
               thrownBy<IOException>([&] { profiler().startConfiguration(1); }).getDesc());
@@ -200,105 +142,65 @@ TEST_F(CProfilerControllerTest, AreasGoWithTheirKindAndBits)
     profiler().addRegion("s", false, true, 1, 0x2000, 4);
     profiler().addRoutine("rt", 0, 0x100, 0x40, VectorDWORD{0x120, 0x13E});
     profiler().addRoutine("bare", 0, 0x200, 8, VectorDWORD());
-    const std::vector<std::string> expected = {
-        "Profiler.AddArea(0x10, data, f, 0, 0x0, 0x0, 0)",
-        "Profiler.AddArea(0x110, data, g, 0, 0x0, 0x0, 0)",
-        "Profiler.AddArea(0x30, data, v, 0, 0x0, 0x0, 0)",
-        "Profiler.AddArea(0x330, data, w, 0, 0x0, 0x0, 0)",
-        "Profiler.AddArea(0x340, data, r, 0, 0x1000, 0x20, 0)",
-        "Profiler.AddArea(0x240, data, s, 1, 0x2000, 0x4, 0)",
-        "Profiler.AddArea(0x20, data, rt, 0, 0x100, 0x40, 2, 0x120, 0x13E)",
-        "Profiler.AddArea(0x20, data, bare, 0, 0x200, 0x8, 0)",
-    };
-    EXPECT_EQ(expected, profilerCalls());
-    EXPECT_EQ(std::vector<std::string>({"profilerCtrl.addFunction(\"f\", 0);", "profilerCtrl.addFunction(\"g\", 1);"}),
-              loggedLines("addFunction"));
-    EXPECT_EQ(std::vector<std::string>{"profilerCtrl.addRegion(\"r\", 1, 1, 0, 4096, 32);"},
-              loggedLines("addRegion(\"r\""));
+    EXPECT_EQ((Calls{"Profiler.AddArea(0x10, data, f, 0, 0x0, 0x0, 0)", "Profiler.AddArea(0x110, data, g, 0, 0x0, 0x0, 0)",
+                     "Profiler.AddArea(0x30, data, v, 0, 0x0, 0x0, 0)", "Profiler.AddArea(0x330, data, w, 0, 0x0, 0x0, 0)",
+                     "Profiler.AddArea(0x340, data, r, 0, 0x1000, 0x20, 0)",
+                     "Profiler.AddArea(0x240, data, s, 1, 0x2000, 0x4, 0)",
+                     "Profiler.AddArea(0x20, data, rt, 0, 0x100, 0x40, 2, 0x120, 0x13E)",
+                     "Profiler.AddArea(0x20, data, bare, 0, 0x200, 0x8, 0)"}),
+              profilerCalls());
     // The routine's exits as a script list, a line per item.
     const std::string script = loggedScript();
     EXPECT_NE(std::string::npos, script.find("exits = kestrix.orbel.VectorDWORD([\n288\n, \n318\n, \n])\n"
                                              "profilerCtrl.addRoutine(\"rt\", 0, 256, 64, exits);\n"))
         << script;
-}
 
-TEST_F(CProfilerControllerTest, AnAreaThatCannotBeAddedSaysWhy)
-{
-    struct Case {
-        HRESULT hr;
-        std::string text;
-    };
-    for (const Case& c : {Case{ORBEL_E_BAD_ID, "The area could not be added. Either an area with that name already "
-                                                "exists, or parameters are not valid."},
-                          Case{ORBEL_E_ERROR, "CProfilerController::_addArea() failed!"}}) {
+    for (const auto& c : {std::make_pair(ORBEL_E_BAD_ID, std::string("The area could not be added. Either an area with "
+                                                                      "that name already exists, or parameters are not "
+                                                                      "valid.")),
+                          std::make_pair(ORBEL_E_ERROR, std::string("CProfilerController::_addArea() failed!"))}) {
         profilerAnswers().addArea = [&](DWORD, SProfilerArea*, const char*, DWORD, DWORD, DWORD, DWORD,
-                                        const DWORD*) { return c.hr; };
-        EXPECT_EQ(failure(c.text, c.hr), thrownBy<IOException>([&] { profiler().addVariable("x"); }).getDesc());
+                                        const DWORD*) { return c.first; };
+        EXPECT_EQ(failure(c.second, c.first), thrownBy<IOException>([&] { profiler().addVariable("x"); }).getDesc());
     }
 }
 
-TEST_F(CProfilerControllerTest, NumberOfAreas)
+TEST_F(CProfilerControllerTest, AreaQueries)
 {
     profilerAnswers().getAreaInfo = [](DWORD, DWORD, DWORD* value) {
         *value = 7;
         return S_OK;
     };
     EXPECT_EQ(7u, profiler().getNumAreas());
-    EXPECT_EQ(std::vector<std::string>{"Profiler.GetAreaInfo(0, 4)"}, profilerCalls());
-    profilerAnswers().getAreaInfo = [](DWORD, DWORD, DWORD*) { return E_FAIL; };
-    EXPECT_EQ(failure("kestrix::CProfilerController::getNumAreasfailed: ", E_FAIL),
-              thrownBy<IOException>([&] { profiler().getNumAreas(); }).getDesc());
-}
-
-TEST_F(CProfilerControllerTest, AreaPropertiesByNameHandleAndAddress)
-{
     profilerAnswers().getArea = [](DWORD, DWORD, SProfilerArea* area) {
         std::strcpy(area->m_szName, "answered");
         area->m_dwHandle = 9;
         area->m_aAddress = 0x800;
         return S_OK;
     };
-    startLogger();
-    const CAreaProperties byName = profiler().getAreaProperties("compute");
+    EXPECT_EQ("CAreaProperties:\n  areaName: answered\n  handle: 9\n  address: 2048",
+              profiler().getAreaProperties("compute").toString());
     profiler().getAreaProperties(DWORD{5});
     profiler().getAreaProperties(0, 0x400);
     profiler().getAreaProperties(4, 0x400);
-    EXPECT_EQ("answered", byName.getName());
-    EXPECT_EQ(9u, byName.getHandle());
-    EXPECT_EQ(0x800u, byName.getAddress());
-    EXPECT_EQ("CAreaProperties:\n  areaName: answered\n  handle: 9\n  address: 2048", byName.toString());
-    const std::vector<std::string> expected = {
-        "Profiler.GetArea(1, 264, 'compute', 0, 0x0)",
-        "Profiler.GetArea(0, 264, '', 5, 0x0)",
-        "Profiler.GetArea(2, 264, '', 0, 0x400)",
-        "Profiler.GetArea(6, 264, '', 0, 0x0)",
-    };
-    EXPECT_EQ(expected, profilerCalls());
-    const std::vector<std::string> logged = {
-        "profilerCtrl.getAreaProperties(\"compute\");",
-        "profilerCtrl.getAreaProperties(5);",
-        "profilerCtrl.getAreaProperties(0, 1024);",
-        "profilerCtrl.getAreaProperties(4, 1024);",
-    };
-    EXPECT_EQ(logged, loggedLines("getAreaProperties"));
-}
-
-TEST_F(CProfilerControllerTest, AreaNamesOf256CharactersAreRefusedHere)
-{
-    profilerAnswers().getArea = [](DWORD, DWORD, SProfilerArea*) { return S_OK; };
     profiler().getAreaProperties(std::string(255, 'a'));
-    EXPECT_EQ(1u, profilerCalls().size()) << "255 characters go to Quillon";
+    EXPECT_EQ((Calls{"Profiler.GetAreaInfo(0, 4)", "Profiler.GetArea(1, 264, 'compute', 0, 0x0)",
+                     "Profiler.GetArea(0, 264, '', 5, 0x0)", "Profiler.GetArea(2, 264, '', 0, 0x400)",
+                     "Profiler.GetArea(6, 264, '', 0, 0x0)", "Profiler.GetArea(1, 264, '" + std::string(255, 'a') +
+                                                                  "', 0, 0x0)"}),
+              profilerCalls());
+
     const std::string longName(256, 'b');
-    const IOException e = thrownBy<IOException>([&] { profiler().getAreaProperties(longName); });
+    IOException e = thrownBy<IOException>([&] { profiler().getAreaProperties(longName); });
     EXPECT_EQ("Area name to long!", e.getDesc());
     EXPECT_EQ("  data:\n    area: " + longName + "\n    areaNameLen: 256\n    maxAreaNameLen: 256\n", e.getData());
-    EXPECT_EQ(1u, profilerCalls().size()) << "Quillon is not asked";
-}
+    EXPECT_EQ(6u, profilerCalls().size()) << "Quillon is not asked";
 
-TEST_F(CProfilerControllerTest, AFailedAreaQueryNamesWhatWasAsked)
-{
+    profilerAnswers().getAreaInfo = [](DWORD, DWORD, DWORD*) { return E_FAIL; };
+    EXPECT_EQ(failure("kestrix::CProfilerController::getNumAreasfailed: ", E_FAIL),
+              thrownBy<IOException>([&] { profiler().getNumAreas(); }).getDesc());
     profilerAnswers().getArea = [](DWORD, DWORD, SProfilerArea*) { return ORBEL_E_BAD_ID; };
-    const IOException e = thrownBy<IOException>([&] { profiler().getAreaProperties(DWORD{12}); });
+    e = thrownBy<IOException>([&] { profiler().getAreaProperties(DWORD{12}); });
     EXPECT_EQ("kestrix::CProfilerController::getResultAreafailed!", e.getDesc());
     EXPECT_EQ("  data:\n    stdError: " + WrapperBase::resultCodeText(ORBEL_E_BAD_ID) +
                   "\n    areaName: \n    areaHandle: 12\n    areaAddress: 0\n",
@@ -352,12 +254,9 @@ TEST_F(CProfilerControllerTest, StatusReadsTheEightByteRecord)
         bool error;
     };
     const std::vector<Case> cases = {
-        {0, 0x00, {true, false, false, false}, false, false},
-        {1, 0x04, {false, true, false, false}, true, false},
-        {2, 0x01, {false, false, true, false}, false, true},
-        {3, 0x02, {false, false, false, true}, false, true},
-        {3, 0x08, {false, false, false, true}, false, true},
-        {3, 0x0F, {false, false, false, true}, true, true},
+        {0, 0x00, {true, false, false, false}, false, false}, {1, 0x04, {false, true, false, false}, true, false},
+        {2, 0x01, {false, false, true, false}, false, true},  {3, 0x02, {false, false, false, true}, false, true},
+        {3, 0x08, {false, false, false, true}, false, true},  {3, 0x0F, {false, false, false, true}, true, true},
     };
     for (const Case& c : cases) {
         profilerAnswers().getStatus = [&](DWORD, SProfilerStatus* status) {
@@ -381,22 +280,23 @@ TEST_F(CProfilerControllerTest, StatusReadsTheEightByteRecord)
     }
     EXPECT_EQ("Profiler.GetStatus(1)", profilerCalls().back());
     profilerAnswers().getStatus = [](DWORD, SProfilerStatus*) { return E_FAIL; };
-    startLogger();
     EXPECT_EQ(failure("CProfilerController::getStatus() failed! ", E_FAIL),
               thrownBy<IOException>([&] { profiler().getStatus(); }).getDesc());
-    EXPECT_EQ(std::vector<std::string>{"profilerCtrl.getStatus(OrbelProfiler.gsfNumRecorded);"},
-              loggedLines("getStatus"));
-    const SProfilerStatus record{2, 0x04, 0, 0, 5};
-    EXPECT_EQ("CProfilerStatus:\n  noOfAvailableSamples: 5\n  isMustInit: 0\n  isIdle: 0\n  isWaiting: 1\n"
-              "  isActive: 0\n  isLoading: 1\n  isErrorInBuffer: 0\n  isBufferOverrun: 0\n  isRecordingError: 0\n"
-              "  analysisError: 0",
-              CProfilerStatus(record).toString());
 }
 
 TEST_F(CProfilerControllerTest, StatisticReadsAppendAndNameTheirSelector)
 {
-    answerStatistics(3);
-    startLogger();
+    profilerAnswers().getStatistics = [](DWORD, DWORD, DWORD, DWORD, DWORD* count, SProfilerStatistic* records) {
+        const DWORD filled = std::min<DWORD>(3, *count);
+        for (DWORD i = 0; i < filled; ++i) {
+            records[i].m_dwHandle = i + 1;
+            records[i].m_dwNumHits = 10 * (i + 1);
+            records[i].m_llTotalTime = 1000 + i;
+            records[i].m_llMaxTime = -5;
+        }
+        *count = filled;
+        return S_OK;
+    };
     ProfilerStatisticVector list;
     profiler().getStatisticsAll(10, list);
     profiler().getStatisticsAll(10, list);
@@ -412,21 +312,11 @@ TEST_F(CProfilerControllerTest, StatisticReadsAppendAndNameTheirSelector)
     profiler().getStatisticsForTask(5, 10, list);
     profiler().getStatisticsForTask(4, 5, 10, list);
     profiler().getStatisticsForValue(4, 6, 10, list);
-    const std::vector<std::string> expected = {
-        "Profiler.GetStatistics(0x2, 0, 0, 0, room 10)", "Profiler.GetStatistics(0x2, 0, 0, 0, room 10)",
-        "Profiler.GetStatistics(0x2, 0, 0, 0, room 2)",  "Profiler.GetStatistics(0x1, 4, 0, 0, room 10)",
-        "Profiler.GetStatistics(0x12, 0, 5, 0, room 10)", "Profiler.GetStatistics(0x11, 4, 5, 0, room 10)",
-        "Profiler.GetStatistics(0x21, 4, 0, 6, room 10)",
-    };
-    EXPECT_EQ(expected, profilerCalls());
-    const std::vector<std::string> logged = {
-        "profilerCtrl.getStatisticsAll(10, statList);",       "profilerCtrl.getStatisticsAll(10, statList);",
-        "profilerCtrl.getStatisticsAll(2, statList);",        "profilerCtrl.getStatisticsForHandle(4, 10, statList);",
-        "profilerCtrl.getStatisticsForTask(5, 10, statList);", "profilerCtrl.getStatisticsForTask(4, 5, 10, statList);",
-        "profilerCtrl.getStatisticsForValue(4, 6, 10, statList);",
-    };
-    EXPECT_EQ(logged, loggedLines("profilerCtrl.getStatistics"));
-    EXPECT_EQ(7u, loggedLines("statList = kestrix.orbel.StatisticsVector()").size());
+    EXPECT_EQ((Calls{"Profiler.GetStatistics(0x2, 0, 0, 0, room 10)", "Profiler.GetStatistics(0x2, 0, 0, 0, room 10)",
+                     "Profiler.GetStatistics(0x2, 0, 0, 0, room 2)", "Profiler.GetStatistics(0x1, 4, 0, 0, room 10)",
+                     "Profiler.GetStatistics(0x12, 0, 5, 0, room 10)", "Profiler.GetStatistics(0x11, 4, 5, 0, room 10)",
+                     "Profiler.GetStatistics(0x21, 4, 0, 6, room 10)"}),
+              profilerCalls());
 
     profilerAnswers().getStatistics = [](DWORD, DWORD, DWORD, DWORD, DWORD*, SProfilerStatistic*) { return E_FAIL; };
     const std::size_t before = list.size();
@@ -446,7 +336,6 @@ TEST_F(CProfilerControllerTest, HistoryReadsReplaceTheListFromTheirStartIndex)
         *count = filled;
         return S_OK;
     };
-    startLogger();
     ProfilerHistoryVector list;
     profiler().getHistoryAll(0, 10, list);
     profiler().getHistoryAll(7, 10, list);
@@ -457,20 +346,11 @@ TEST_F(CProfilerControllerTest, HistoryReadsReplaceTheListFromTheirStartIndex)
     profiler().getHistoryForTask(5, 4, 10, list);
     profiler().getHistoryForTask(3, 5, 4, 10, list);
     profiler().getHistoryForValue(3, 6, 4, 10, list);
-    const std::vector<std::string> expected = {
-        "Profiler.GetHistory(0x2, 0, 0, 0, from 0, room 10)",  "Profiler.GetHistory(0x2, 0, 0, 0, from 7, room 10)",
-        "Profiler.GetHistory(0x1, 3, 0, 0, from 4, room 10)",  "Profiler.GetHistory(0x10, 0, 5, 0, from 4, room 10)",
-        "Profiler.GetHistory(0x11, 3, 5, 0, from 4, room 10)", "Profiler.GetHistory(0x21, 3, 0, 6, from 4, room 10)",
-    };
-    EXPECT_EQ(expected, profilerCalls());
-    const std::vector<std::string> logged = {
-        "profilerCtrl.getHistoryAll(0, 10, histList);",          "profilerCtrl.getHistoryAll(7, 10, histList);",
-        "profilerCtrl.getHistoryForHandle(3, 4, 10, histList);", "profilerCtrl.getHistoryForTask(5, 4, 10, histList);",
-        "profilerCtrl.getHistoryForTask(3, 5, 4, 10, histList);",
-        "profilerCtrl.getHistoryForValue(3, 6, 4, 10, histList);",
-    };
-    EXPECT_EQ(logged, loggedLines("profilerCtrl.getHistory"));
-    EXPECT_EQ(6u, loggedLines("histList = kestrix.orbel.HistoryVector()").size());
+    EXPECT_EQ((Calls{"Profiler.GetHistory(0x2, 0, 0, 0, from 0, room 10)", "Profiler.GetHistory(0x2, 0, 0, 0, from 7, room 10)",
+                     "Profiler.GetHistory(0x1, 3, 0, 0, from 4, room 10)", "Profiler.GetHistory(0x10, 0, 5, 0, from 4, room 10)",
+                     "Profiler.GetHistory(0x11, 3, 5, 0, from 4, room 10)",
+                     "Profiler.GetHistory(0x21, 3, 0, 6, from 4, room 10)"}),
+              profilerCalls());
 
     profilerAnswers().getHistory = [](DWORD, DWORD, DWORD, DWORD, DWORD, DWORD*, SProfilerHistory*) { return E_FAIL; };
     EXPECT_EQ(failure("CProfilerController::getHistory() failed! ", E_FAIL),
@@ -485,12 +365,8 @@ TEST_F(CProfilerControllerTest, WaitUntilLoadedPollsTheLoadingBit)
         status->m_byFlags = loadingPolls-- > 0 ? 0x04 : 0;
         return S_OK;
     };
-    startLogger();
-    const auto started = std::chrono::steady_clock::now();
     EXPECT_TRUE(profiler().waitUntilLoaded());
     EXPECT_EQ(1u, profilerCalls().size()) << "loaded at once: one status call";
-    EXPECT_LT(std::chrono::steady_clock::now() - started, std::chrono::milliseconds(90)) << "and no sleep";
-    EXPECT_EQ(std::vector<std::string>{"profilerCtrl.waitUntilLoaded();"}, loggedLines("waitUntilLoaded"));
 
     loadingPolls = 2;
     EXPECT_TRUE(profiler().waitUntilLoaded(0, 1));
@@ -499,9 +375,7 @@ TEST_F(CProfilerControllerTest, WaitUntilLoadedPollsTheLoadingBit)
     loadingPolls = 1000000;
     const auto waited = std::chrono::steady_clock::now();
     EXPECT_FALSE(profiler().waitUntilLoaded(300, 100));
-    const auto elapsed = std::chrono::steady_clock::now() - waited;
-    EXPECT_GE(elapsed, std::chrono::milliseconds(300));
-    EXPECT_LT(elapsed, std::chrono::milliseconds(1500));
+    EXPECT_GE(std::chrono::steady_clock::now() - waited, std::chrono::milliseconds(300));
 }
 
 TEST_F(CProfilerControllerTest, MissingInterfaceRaisesAfterTheLogLine)
@@ -511,10 +385,9 @@ TEST_F(CProfilerControllerTest, MissingInterfaceRaisesAfterTheLogLine)
     fresh->connect("", 1234);
     useConnection(fresh);
     startLogger();
-    const IOException e = thrownBy<IOException>([&] { profiler().start(); });
     EXPECT_EQ("Profiler interface is not available. Make sure that application is connected to quillon (see "
               "ConnectionMgr.connect...())!",
-              e.getDesc());
+              thrownBy<IOException>([&] { profiler().start(); }).getDesc());
     EXPECT_EQ(1u, loggedLines("profilerCtrl.start();").size()) << loggedScript();
 }
 

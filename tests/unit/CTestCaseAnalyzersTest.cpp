@@ -68,6 +68,22 @@ std::string fileText(const std::string& path)
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
+/// The calls that read the seven statistics of a function of `doc` found at `start` .. `end`.
+Calls statisticsCalls(const std::string& doc, const std::string& function, const char* start, const char* end)
+{
+    Calls calls = {"OrbelDebug.GetAddress(0x4000, " + function + ")"};
+    for (int type = 1; type <= 7; ++type) {
+        calls.push_back("Coverage.GetStatistics(" + doc + ", " + std::to_string(type) + ", " + start + ", " + end + ")");
+    }
+    return calls;
+}
+
+Calls operator+(Calls first, const Calls& second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
 size_t occurrences(const std::string& text, const std::string& part)
 {
     size_t count = 0;
@@ -262,6 +278,7 @@ const char* const FUNCTION = "func: [filter_step, [], rv]\n";
 
 TEST_F(CTestCaseAnalyzersTest, RunSetsUpEachAnalyzerBeforeTheFunctionAndFinishesItAfter)
 {
+    const Calls bare = {"Test.Control(1, 7)", "Test.Control(3, 7)", "Test.Control(2, 7)"};
     const struct {
         const char* name;
         const char* section;
@@ -270,87 +287,47 @@ TEST_F(CTestCaseAnalyzersTest, RunSetsUpEachAnalyzerBeforeTheFunctionAndFinishes
         {"trace",
          "trace:\n  document: t1.trd\n  trigger: T0\n  isSaveAfterTest: true\n  exportFile: t1.bin\n"
          "  isCloseAfterTest: true\n",
-         {"Test.Control(1, 7)",
-          // opened in mode "w", as an analyzer document
-          "OrbelIDE.Document(0xA100000D, t1.trd, NULL, 0)",
-          "OrbelIDE.Document(0x50000000, t1.trd, T0, 0)",
-          "OrbelIDE.Document(0x10000000, t1.trd, NULL, 0)",
-          "Test.Control(3, 7)",
-          "OrbelIDE.Document(0x20000000, t1.trd, NULL, 0)",
-          "OrbelIDE.Document(0x3, t1.trd, NULL, 0)",
-          // exported as "Binary", the format set first
+         // opened in mode "w", as an analyzer document; exported as "Binary", the format set first
+         {"Test.Control(1, 7)", "OrbelIDE.Document(0xA100000D, t1.trd, NULL, 0)",
+          "OrbelIDE.Document(0x50000000, t1.trd, T0, 0)", "OrbelIDE.Document(0x10000000, t1.trd, NULL, 0)",
+          "Test.Control(3, 7)", "OrbelIDE.Document(0x20000000, t1.trd, NULL, 0)", "OrbelIDE.Document(0x3, t1.trd, NULL, 0)",
           "OrbelIDE.Document(0x80000000, t1.trd, Binary, 0)",
-          "OrbelIDE.Document(0x60000000, t1.trd, t1.bin, 4294967295)",
-          "OrbelIDE.Document(0xB, t1.trd, NULL, 0)",
+          "OrbelIDE.Document(0x60000000, t1.trd, t1.bin, 4294967295)", "OrbelIDE.Document(0xB, t1.trd, NULL, 0)",
           "Test.Control(2, 7)"}},
-        {"trace without a document",
-         "trace: {trigger: T0, exportFile: t1.bin}\n",
-         {"Test.Control(1, 7)", "Test.Control(3, 7)", "Test.Control(2, 7)"}},
-        {"trace off", "trace: {runMode: off, document: t1.trd}\n",
-         {"Test.Control(1, 7)", "Test.Control(3, 7)", "Test.Control(2, 7)"}},
+        {"trace without a document", "trace: {trigger: T0, exportFile: t1.bin}\n", bare},
+        {"trace off", "trace: {runMode: off, document: t1.trd}\n", bare},
         {"coverage",
          "coverage:\n  document: c1.trd\n  openMode: a\n  exportFormat: XML\n  exportFile: c1.xml\n"
          "  statistics:\n  - func: filter_step\n  - func: adc_read\n",
-         {"Test.Control(1, 7)",
-          "OrbelIDE.Document(0x200000D, c1.trd, NULL, 0)",
-          "Coverage.SetConfiguration(c1.trd, 4, 'kestrix.test', 0)",
-          // includes only, flags 1, 0
-          "Coverage.SetConfiguration(c1.trd, 1, '', 3)",
-          "Coverage.SetConfiguration(c1.trd, 5, '', 3)",
-          "Coverage.SetConfiguration(c1.trd, 2, '', 1)",
-          "Coverage.SetConfiguration(c1.trd, 3, '', 0)",
-          "Coverage.SetConfiguration(c1.trd, 12, 'filter_step', 0)",
-          "Coverage.SetConfiguration(c1.trd, 12, 'adc_read', 0)",
-          "OrbelIDE.Document(0x10000000, c1.trd, NULL, 0)",
-          "Test.Control(3, 7)",
-          "OrbelIDE.Document(0x20000000, c1.trd, NULL, 0)",
-          "OrbelIDE.Document(0x60000000, c1.trd, c1.xml, 3)",
-          "OrbelDebug.GetAddress(0x4000, filter_step)",
-          "Coverage.GetStatistics(c1.trd, 1, 0x100, 0x13F)",
-          "Coverage.GetStatistics(c1.trd, 2, 0x100, 0x13F)",
-          "Coverage.GetStatistics(c1.trd, 3, 0x100, 0x13F)",
-          "Coverage.GetStatistics(c1.trd, 4, 0x100, 0x13F)",
-          "Coverage.GetStatistics(c1.trd, 5, 0x100, 0x13F)",
-          "Coverage.GetStatistics(c1.trd, 6, 0x100, 0x13F)",
-          "Coverage.GetStatistics(c1.trd, 7, 0x100, 0x13F)",
-          "OrbelDebug.GetAddress(0x4000, adc_read)",
-          "Coverage.GetStatistics(c1.trd, 1, 0x200, 0x21F)",
-          "Coverage.GetStatistics(c1.trd, 2, 0x200, 0x21F)",
-          "Coverage.GetStatistics(c1.trd, 3, 0x200, 0x21F)",
-          "Coverage.GetStatistics(c1.trd, 4, 0x200, 0x21F)",
-          "Coverage.GetStatistics(c1.trd, 5, 0x200, 0x21F)",
-          "Coverage.GetStatistics(c1.trd, 6, 0x200, 0x21F)",
-          "Coverage.GetStatistics(c1.trd, 7, 0x200, 0x21F)",
-          "Test.Control(2, 7)"}},
-        {"coverage off", "coverage: {runMode: off, document: c1.trd, statistics: [{func: filter_step}]}\n",
-         {"Test.Control(1, 7)", "Test.Control(3, 7)", "Test.Control(2, 7)"}},
+         Calls{"Test.Control(1, 7)", "OrbelIDE.Document(0x200000D, c1.trd, NULL, 0)",
+               "Coverage.SetConfiguration(c1.trd, 4, 'kestrix.test', 0)",
+               // includes only, flags 1, 0
+               "Coverage.SetConfiguration(c1.trd, 1, '', 3)", "Coverage.SetConfiguration(c1.trd, 5, '', 3)",
+               "Coverage.SetConfiguration(c1.trd, 2, '', 1)", "Coverage.SetConfiguration(c1.trd, 3, '', 0)",
+               "Coverage.SetConfiguration(c1.trd, 12, 'filter_step', 0)",
+               "Coverage.SetConfiguration(c1.trd, 12, 'adc_read', 0)", "OrbelIDE.Document(0x10000000, c1.trd, NULL, 0)",
+               "Test.Control(3, 7)", "OrbelIDE.Document(0x20000000, c1.trd, NULL, 0)",
+               "OrbelIDE.Document(0x60000000, c1.trd, c1.xml, 3)"} +
+             statisticsCalls("c1.trd", "filter_step", "0x100", "0x13F") +
+             statisticsCalls("c1.trd", "adc_read", "0x200", "0x21F") + Calls{"Test.Control(2, 7)"}},
+        {"coverage off", "coverage: {runMode: off, document: c1.trd, statistics: [{func: filter_step}]}\n", bare},
         {"profiler",
          "profiler:\n  trigger: main\n  codeAreas:\n  - name: compute\n"
          "  dataAreas:\n  - {name: state, value: 1}\n  - {name: state, value: 2}\n  - {name: mode}\n",
-         {"Test.Control(1, 7)",
-          // the trigger is the start address of its function
-          "OrbelDebug.GetAddress(0x4000, main)",
-          "Profiler.StartConfiguration(1, event 1, area 0, 0x80)",
-          "Profiler.AddArea(0x10, data, compute, 0, 0x0, 0x0, 0)",
-          "Profiler.AddArea(0x30, data, state, 0, 0x0, 0x0, 0)",
-          "Profiler.AddArea(0x30, data, mode, 0, 0x0, 0x0, 0)",
-          "Profiler.Control(1)",
-          "Test.Control(3, 7)",
-          "Profiler.GetStatus(0)",
-          "Profiler.GetArea(1, 264, 'compute', 0, 0x0)",
-          "Profiler.GetStatistics(0x1, 1, 0, 0, room 10)",
-          "Profiler.GetArea(1, 264, 'state', 0, 0x0)",
-          "Profiler.GetStatistics(0x1, 2, 0, 0, room 100)",
-          "Profiler.GetArea(1, 264, 'mode', 0, 0x0)",
-          "Profiler.GetStatistics(0x1, 3, 0, 0, room 100)",
+         // the trigger is the start address of its function
+         {"Test.Control(1, 7)", "OrbelDebug.GetAddress(0x4000, main)",
+          "Profiler.StartConfiguration(1, event 1, area 0, 0x80)", "Profiler.AddArea(0x10, data, compute, 0, 0x0, 0x0, 0)",
+          "Profiler.AddArea(0x30, data, state, 0, 0x0, 0x0, 0)", "Profiler.AddArea(0x30, data, mode, 0, 0x0, 0x0, 0)",
+          "Profiler.Control(1)", "Test.Control(3, 7)", "Profiler.GetStatus(0)",
+          "Profiler.GetArea(1, 264, 'compute', 0, 0x0)", "Profiler.GetStatistics(0x1, 1, 0, 0, room 10)",
+          "Profiler.GetArea(1, 264, 'state', 0, 0x0)", "Profiler.GetStatistics(0x1, 2, 0, 0, room 100)",
+          "Profiler.GetArea(1, 264, 'mode', 0, 0x0)", "Profiler.GetStatistics(0x1, 3, 0, 0, room 100)",
           "Test.Control(2, 7)"}},
-        {"profiler off", "profiler: {runMode: off, codeAreas: [{name: compute}]}\n",
-         {"Test.Control(1, 7)", "Test.Control(3, 7)", "Test.Control(2, 7)"}},
+        {"profiler off", "profiler: {runMode: off, codeAreas: [{name: compute}]}\n", bare},
         {"HIL", "hil:\n  params:\n    Out1: 1\n    AnalogIn: 2.5\n",
          {"Test.Control(1, 7)", "HIL.Write(0x0, 0x0, Out1:1)", "HIL.Write(0x0, 0x0, AnalogIn:2.5)",
           "Test.Control(3, 7)", "Test.Control(2, 7)"}},
-        {"HIL without parameters", "hil: {params: {}}\n",
-         {"Test.Control(1, 7)", "Test.Control(3, 7)", "Test.Control(2, 7)"}},
+        {"HIL without parameters", "hil: {params: {}}\n", bare},
     };
     for (const auto& c : cases) {
         testCase = std::make_shared<CTestCase>(connected());
@@ -446,29 +423,26 @@ TEST_F(CTestCaseAnalyzersTest, StepsWithoutControllerOrRunModeDoNothing)
     CoverageStatisticMap coverageResults;
     ProfilerStatisticMap codeResults;
     ProfilerStatisticVectorMap dataResults;
-    // Run mode off, with controllers.
-    testCase->configureTrace(trace, inactive->getTrace());
-    testCase->configureCoverage(coverage, inactive->getCoverage());
-    testCase->configureProfiler(profilerCtrl, inactive->getProfiler(), "filter_step");
-    testCase->configureHIL(hil, inactive->getHIL());
-    testCase->finalizeTrace(trace, inactive->getTrace());
-    testCase->finalizeCoverage(coverage, inactive->getCoverage());
-    testCase->finalizeProfiler(profilerCtrl, inactive->getProfiler(), StrStrMap());
-    testCase->getCoverageResults(coverage, inactive->getCoverage(), coverageResults);
-    testCase->getProfilerCodeResults(profilerCtrl, inactive->getProfiler(), codeResults);
-    testCase->getProfilerDataResults(profilerCtrl, inactive->getProfiler(), dataResults);
-    EXPECT_EQ("", testCase->verifyProfiler(inactive->getProfiler(), profilerCtrl));
-    // Null controllers, sections active.
-    testCase->configureTrace(nullptr, active->getTrace());
-    testCase->configureCoverage(nullptr, active->getCoverage());
-    testCase->configureProfiler(nullptr, active->getProfiler(), "filter_step");
-    testCase->configureHIL(nullptr, active->getHIL());
-    testCase->finalizeTrace(nullptr, active->getTrace());
-    testCase->finalizeProfiler(nullptr, active->getProfiler(), StrStrMap());
-    testCase->getCoverageResults(nullptr, active->getCoverage(), coverageResults);
-    testCase->getProfilerCodeResults(nullptr, active->getProfiler(), codeResults);
-    testCase->getProfilerDataResults(nullptr, active->getProfiler(), dataResults);
-    EXPECT_EQ("", testCase->verifyProfiler(active->getProfiler(), nullptr));
+    const auto everyStep = [&](const std::shared_ptr<CAnalyzerDocController>& traceCtrl,
+                               const std::shared_ptr<CCoverageController>& coverageCtrl,
+                               const std::shared_ptr<CProfilerController>& profilerCtrl2,
+                               const std::shared_ptr<CHILController>& hilCtrl, CTestSpecification& spec) {
+        testCase->configureTrace(traceCtrl, spec.getTrace());
+        testCase->configureCoverage(coverageCtrl, spec.getCoverage());
+        testCase->configureProfiler(profilerCtrl2, spec.getProfiler(), "filter_step");
+        testCase->configureHIL(hilCtrl, spec.getHIL());
+        testCase->finalizeTrace(traceCtrl, spec.getTrace());
+        if (coverageCtrl) {
+            testCase->finalizeCoverage(coverageCtrl, spec.getCoverage());
+        }
+        testCase->finalizeProfiler(profilerCtrl2, spec.getProfiler(), StrStrMap());
+        testCase->getCoverageResults(coverageCtrl, spec.getCoverage(), coverageResults);
+        testCase->getProfilerCodeResults(profilerCtrl2, spec.getProfiler(), codeResults);
+        testCase->getProfilerDataResults(profilerCtrl2, spec.getProfiler(), dataResults);
+        EXPECT_EQ("", testCase->verifyProfiler(spec.getProfiler(), profilerCtrl2));
+    };
+    everyStep(trace, coverage, profilerCtrl, hil, *inactive); // run mode off, with controllers
+    everyStep(nullptr, nullptr, nullptr, nullptr, *active);   // sections active, no controllers
     testCase->profilerResultsToYaml(tempFolder("none") + "/p.yaml", true, true, nullptr);
 
     EXPECT_TRUE(analyzerCalls().empty()) << analyzerCalls().front();
@@ -489,10 +463,6 @@ TEST_F(CTestCaseAnalyzersTest, CoverageConfigurationByRunModeAndDecisionFlag)
     } cases[] = {
         {"{document: c1.trd, runMode: resume, rangeset: rs, statistics: [{func: filter_step}]}",
          {"OrbelIDE.Document(0x40000000, c1.trd, NULL, 0)"}},
-        {"{document: c1.trd, isDecisionCoverage: false}",
-         {"Coverage.SetConfiguration(c1.trd, 4, 'kestrix.test', 0)", "Coverage.SetConfiguration(c1.trd, 1, '', 3)",
-          "Coverage.SetConfiguration(c1.trd, 5, '', 3)", "Coverage.SetConfiguration(c1.trd, 2, '', 1)",
-          "Coverage.SetConfiguration(c1.trd, 3, '', 0)", "OrbelIDE.Document(0x10000000, c1.trd, NULL, 0)"}},
         {"{document: c1.trd, isDecisionCoverage: true, rangeset: rs, statistics: [{func: adc_read}]}",
          {"Coverage.SetConfiguration(c1.trd, 4, 'rs', 0)", "Coverage.SetConfiguration(c1.trd, 1, '', 3)",
           "Coverage.SetConfiguration(c1.trd, 5, '', 3)", "Coverage.SetConfiguration(c1.trd, 2, '', 3)",
@@ -685,11 +655,8 @@ TEST_F(CTestCaseAnalyzersTest, CoverageVerificationTexts)
         auto controller = openCoverage(spec->getCoverage());
         EXPECT_EQ(c.text, testCase->verifyCoverage(spec->getCoverage(), controller)) << c.expected;
     }
-    EXPECT_EQ((Calls{"OrbelDebug.GetAddress(0x4000, filter_step)", "Coverage.GetStatistics(c1.trd, 1, 0x100, 0x13F)",
-                     "Coverage.GetStatistics(c1.trd, 2, 0x100, 0x13F)", "Coverage.GetStatistics(c1.trd, 3, 0x100, 0x13F)",
-                     "Coverage.GetStatistics(c1.trd, 4, 0x100, 0x13F)", "Coverage.GetStatistics(c1.trd, 5, 0x100, 0x13F)",
-                     "Coverage.GetStatistics(c1.trd, 6, 0x100, 0x13F)", "Coverage.GetStatistics(c1.trd, 7, 0x100, 0x13F)",
-                     "OrbelDebug.GetSymbolAtAddress(0x4, 0, 0x100, 512)"}),
+    EXPECT_EQ(statisticsCalls("c1.trd", "filter_step", "0x100", "0x13F") +
+                  Calls{"OrbelDebug.GetSymbolAtAddress(0x4, 0, 0x100, 512)"},
               analyzerCalls())
         << "the last verification's calls";
 }

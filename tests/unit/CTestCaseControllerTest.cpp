@@ -77,49 +77,43 @@ protected:
     }
 };
 
-TEST_F(CTestCaseControllerTest, ConstructionCreatesTheTestAndItsReturnValue)
+TEST_F(CTestCaseControllerTest, ConstructionCreatesTheTestOrSaysWhyNot)
 {
-    auto test = newTest("filter_step", "rv");
-    auto noReturn = newTest("filter_init", "");
+    const auto test = newTest("filter_step", "rv");
+    const auto noReturn = newTest("filter_init", "");
     EXPECT_EQ((Calls{"CreateTest(filter_step)", "CreateReturnValue(7, rv)", "CreateTest(filter_init)",
                      "CreateReturnValue(7, )"}),
               testCalls());
-}
+    forgetCalls();
 
-TEST_F(CTestCaseControllerTest, ConstructionRefusesWhatCannotWork)
-{
-    const auto empty = thrownBy<IllegalArgumentException>([&] { newTest(""); });
-    EXPECT_EQ("Function name must not be empty string!", empty.getDesc());
-
+    EXPECT_EQ("Function name must not be empty string!",
+              thrownBy<IllegalArgumentException>([&] { newTest(""); }).getDesc());
     script().build = 14;
-    const auto old = thrownBy<VersionConflictException>([&] { newTest(); });
-    EXPECT_EQ("Invalid quillon version!", old.getDesc());
+    EXPECT_EQ("Invalid quillon version!", thrownBy<VersionConflictException>([&] { newTest(); }).getDesc());
     EXPECT_TRUE(testCalls().empty()) << "nothing reaches the test service";
-
     script().build = 15;
     EXPECT_NO_THROW(newTest());
-}
 
-TEST_F(CTestCaseControllerTest, MissingTestInterfaceNamesTheGate)
-{
-    script().missing = {"OrbelTest"};
-    const auto gate = thrownBy<IOException>([&] { newTest(); });
-    EXPECT_EQ("'Test' interface is not available. Make sure that application is connected to quillon (see "
-              "ConnectionMgr.connect...())!",
-              gate.getDesc());
-}
-
-TEST_F(CTestCaseControllerTest, FailuresOfConstructionNameTheirStep)
-{
     service.failing["CreateTest"] = E_FAIL;
     EXPECT_EQ("TestCaseController creation failed!", thrownBy<IllegalStateException>([&] { newTest(); }).getDesc());
     service.failing = {{"CreateReturnValue", E_FAIL}};
     EXPECT_EQ("Creation of variable for return value failed!",
               thrownBy<IllegalStateException>([&] { newTest(); }).getDesc());
+
+    mgr.reset();
+    script().missing = {"OrbelTest"};
+    EXPECT_EQ("'Test' interface is not available. Make sure that application is connected to quillon (see "
+              "ConnectionMgr.connect...())!",
+              thrownBy<IOException>([&] { newTest(); }).getDesc());
 }
 
 TEST_F(CTestCaseControllerTest, ErrorClassChoosesTheException)
 {
+    const auto data = [](const std::string& orbelErr) {
+        return dataOf({{"orbelErr", orbelErr}, {"handle", "7"}, {"objId", "testCaseCtrl_filter_step"}});
+    };
+    const std::string noCode = "kestrix.test call failed, but GetLastError() didn't return error code! ";
+    const std::string info = "  data:\n    info: Method 'run()' failed! \n";
     struct Case {
         DWORD errorClass;
         bool lastErrorFails;
@@ -127,24 +121,12 @@ TEST_F(CTestCaseControllerTest, ErrorClassChoosesTheException)
         std::string desc;
         std::string data;
     } cases[] = {
-        {1, false, "IllegalState", "Method 'run()' failed! ",
-         dataOf({{"orbelErr", "target faulted"}, {"handle", "7"}, {"objId", "testCaseCtrl_filter_step"}})},
-        {2, false, "IllegalArgument", "Method 'run()' failed! ",
-         dataOf({{"orbelErr", "target faulted"}, {"handle", "7"}, {"objId", "testCaseCtrl_filter_step"}})},
-        {3, false, "IO", "Method 'run()' failed! ",
-         dataOf({{"orbelErr", "target faulted"}, {"handle", "7"}, {"objId", "testCaseCtrl_filter_step"}})},
-        {77, false, "IO", "Method 'run()' failed! ",
-         dataOf({{"orbelErr", "target faulted"}, {"handle", "7"}, {"objId", "testCaseCtrl_filter_step"}})},
-        {0, false, "IllegalState", "kestrix.test call failed, but GetLastError() didn't return error code! ",
-         dataOf({{"info", "Method 'run()' failed! "},
-                 {"orbelErr", "target faulted"},
-                 {"handle", "7"},
-                 {"objId", "testCaseCtrl_filter_step"}})},
-        {2, true, "IllegalState", "kestrix.test call failed, but GetLastError() didn't return error code! ",
-         dataOf({{"info", "Method 'run()' failed! "},
-                 {"orbelErr", "GetLastError failed!"},
-                 {"handle", "7"},
-                 {"objId", "testCaseCtrl_filter_step"}})},
+        {1, false, "IllegalState", "Method 'run()' failed! ", data("target faulted")},
+        {2, false, "IllegalArgument", "Method 'run()' failed! ", data("target faulted")},
+        {3, false, "IO", "Method 'run()' failed! ", data("target faulted")},
+        {77, false, "IO", "Method 'run()' failed! ", data("target faulted")},
+        {0, false, "IllegalState", noCode, info + data("target faulted").substr(8)},
+        {2, true, "IllegalState", noCode, info + data("GetLastError failed!").substr(8)},
     };
     auto test = newTest();
     for (const Case& c : cases) {
@@ -314,8 +296,6 @@ TEST_F(CTestCaseControllerTest, CreateVariableReplacesOneOfTheSameName)
     auto test = newTest();
     auto first = test->createVariable("i", "int");
     test->createVariable("i", "long");
-    EXPECT_EQ((Calls{"CreateVariable(i, int)", "CreateVariable(i, long)"}),
-              after(testCalls(), 2));
     forgetCalls();
     first.reset();
     EXPECT_EQ(Calls{"DestroyVariable(100)"}, testCalls()) << "the map no longer holds the first one";
@@ -404,14 +384,10 @@ TEST_F(CTestCaseControllerTest, VariableControllerChecksItsArguments)
 
 TEST(CTestCaseControllerStatic, StateNames)
 {
-    const std::vector<std::string> states = {"stateOffline", "stateInitialized", "stateRunning", "stateEnded",
-                                             "stateStub", "stateUnexpectedStop", "stateAborted", "statePaused"};
-    for (size_t i = 0; i < states.size(); ++i) {
-        EXPECT_EQ(states[i], CTestCaseController::testState2str(static_cast<DWORD>(i + 1)));
-    }
+    EXPECT_EQ("stateOffline", CTestCaseController::testState2str(1));
+    EXPECT_EQ("statePaused", CTestCaseController::testState2str(8));
     EXPECT_EQ("9", CTestCaseController::testState2str(9));
     EXPECT_EQ("0", CTestCaseController::testState2str(0));
-    EXPECT_EQ("stateStubNotActive", CTestCaseController::stubState2str(1));
     EXPECT_EQ("stateStubActive", CTestCaseController::stubState2str(2));
     EXPECT_EQ("3", CTestCaseController::stubState2str(3));
 }
@@ -427,9 +403,6 @@ TEST(CTestCaseControllerStatic, TextToNumber)
         {"0x", 0},
         {"12abc", 12},
         {"", 0},
-        {"1", 1},
-        {"0", 0},
-        {"0x0", 0},
         {"-5", -5},
         {"  +7", 7},
         {"0xFFFFFFFF", 4294967295LL},
@@ -437,7 +410,6 @@ TEST(CTestCaseControllerStatic, TextToNumber)
         {"0x0x10", 0},
         {"x10", 0},
         {"0X10", 0},
-        {"abc", 0},
         {"9223372036854775807", INT64_MAX},
         {"9223372036854775808", INT64_MAX},
         {"-9223372036854775808", INT64_MIN},
@@ -455,35 +427,21 @@ TEST_F(CTestCaseControllerTest, CallsAreLogged)
     connected()->initLogger("mgr", log, CLogger::PYTHON);
     {
         auto test = newTest("filter_step", "rv");
-        test->createParameter(0, "p0");
         test->createVariable("i", "int");
-        auto stub = test->createStub("adc_read");
-        stub->createParameter(0, "channel");
-        service.values["i"] = "0";
-        test->evaluate("i");
-        test->modify("i", "4");
+        test->createStub("adc_read");
         test->getStatus();
-        test->waitUntilStopped(-1, 50);
     }
     mgr.reset();
     std::ifstream in(log);
     std::stringstream text;
     text << in.rdbuf();
     const std::string script = text.str();
+    // The construction, a status with its answer, and the destruction from the test down.
     const std::vector<std::string> lines = {
         "testCaseCtrl_filter_step = kestrix::CTestCaseController::CTestCaseController(connectionMgr, \"filter_step\", "
         "\"rv\")\n",
-        "testCaseCtrl_filter_step.createParameter(0, \"p0\");\n",
-        "testCaseCtrl_filter_step.createVariable(\"i\", \"int\");\n",
-        "testVariable.CTestVariableController(\"connectionMgr\", \"i\", \"int\");\n",
-        "testCaseCtrl_filter_step.createStub(\"adc_read\");\n",
-        "# Calls OrbelTest::CreateStub(handle, functionName)\n",
         "testStub_adc_read.CTestStubController(\"connectionMgr\", \"adc_read\");\n",
-        "testStub_adc_read.createParameter(0, \"channel\");\n",
-        "testCaseCtrl_filter_step.evaluate(\"i\");\n",
-        "testCaseCtrl_filter_step.modify(\"i\", \"4\");\n",
         "testCaseCtrl_filter_step.getStatus();\n# status == 2\n",
-        "testCaseCtrl_filter_step.waitUntilStopped(-1, 50);\n",
         "# Dtor: ~CTestCaseController\ntestCaseCtrl_filter_step.~CTestCaseController();\n"
         "testCaseCtrl_filter_step.destroy();\n",
         "testVariable.~CTestVariableController();\ntestVariable.destroy();\n",

@@ -1,5 +1,5 @@
 // Test runs of the example firmware on the simulated Quillon of liborbel.so. Skipped while
-// liborbel.so is not built or its test service is not there yet.
+// liborbel.so or the firmware is not built.
 
 #include <gtest/gtest.h>
 
@@ -11,11 +11,9 @@
 #include "CTestCaseController.h"
 #include "ConnectionMgr.h"
 #include "Exceptions.h"
-#include "ICustomFunctions.h"
 #include "OrbelDebug2.h"
 #include "OrbelDebugFlags.h"
 #include "OrbelResults.h"
-#include "OrbelTest.h"
 #include "SDownload.h"
 #include "ScopedEnvironment.h"
 #include "WrapperBase.h"
@@ -41,9 +39,6 @@ protected:
         mgr = std::make_shared<ConnectionMgr>();
         mgr->connectMRU(WORKSPACE);
         WrapperBase base(mgr);
-        if (base.getOrbelTest()->Control(OrbelTestFlags::tcClearAll, 0) == E_NOTIMPL) {
-            GTEST_SKIP() << "the simulated Quillon has no test service yet";
-        }
         // The workspace's download list puts the firmware on the target.
         SDownload download;
         char noFile[1] = "";
@@ -108,21 +103,6 @@ TEST_F(CTestCaseLiveTest, LocalsPassedByAddressAndCharacterArrays)
     EXPECT_EQ((StrVector{"", "", "", ""}), results);
 }
 
-TEST_F(CTestCaseLiveTest, StubReplacesTheBodyOfAFunction)
-{
-    // A saturated sample goes to the restart, whose real body would fill the window.
-    const StrVector results = run(std::string(EMPTY_FILTER) + "func: [filter_step, [5000], rv]\n"
-                                                              "stubs:\n"
-                                                              "- func: [filter_restart, restarted]\n"
-                                                              "  params: [limit]\n"
-                                                              "  assign:\n"
-                                                              "    restarted: limit - 3\n"
-                                                              "expect:\n"
-                                                              "- rv == 1020\n"
-                                                              "- g_filter.count == 0\n");
-    EXPECT_EQ((StrVector{"", ""}), results);
-}
-
 TEST_F(CTestCaseLiveTest, FaultEndsTheTestAbnormally)
 {
     try {
@@ -133,37 +113,6 @@ TEST_F(CTestCaseLiveTest, FaultEndsTheTestAbnormally)
     }
     // The target is ready for the next test.
     EXPECT_EQ((StrVector{""}), run(std::string(EMPTY_FILTER) + "func: [filter_step, [8], rv]\nexpect: [rv == 8]\n"));
-}
-
-class Calibration : public ICustomFunctions {
-public:
-    int init(const std::string&, const StrStrMap&) override { return 0; }
-    int init(const std::string& name, const StrVector& params) override
-    {
-        calls += name + "(" + (params.empty() ? "" : params[0]) + ");";
-        return 0;
-    }
-    int end(const std::string&, const StrStrMap&) override { return 0; }
-    int end(const std::string& name, const StrVector&) override
-    {
-        calls += name + "();";
-        return 0;
-    }
-    int stub(const CTestStub&) override { return 0; }
-
-    std::string calls;
-};
-
-TEST_F(CTestCaseLiveTest, ScriptFunctionsAroundTheRun)
-{
-    Calibration calibration;
-    testCase->setCallbackObject(&calibration);
-    const StrVector results = run(std::string(EMPTY_FILTER) + "initFunc: [calibrate, [2]]\n"
-                                                              "endFunc: [reset_calibration]\n"
-                                                              "func: [filter_step, [300], rv]\n"
-                                                              "expect: [rv == 300]\n");
-    EXPECT_EQ("calibrate(2);reset_calibration();", calibration.calls);
-    EXPECT_EQ(StrVector{""}, results) << "the script functions run on the host, not on the target";
 }
 
 } // namespace

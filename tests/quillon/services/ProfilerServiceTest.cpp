@@ -62,20 +62,6 @@ TEST_F(Profiler, NanosecondsAreCyclesOverTheClock)
     }
 }
 
-TEST_F(Profiler, ACalleeCountsOncePerCall)
-{
-    recordFunctions({"caller", "leaf"});
-    const std::uint64_t cycles = runTest("caller", {"5"});
-    const Statistic caller = codeStatistic("caller");
-    const Statistic leaf = codeStatistic("leaf");
-    EXPECT_EQ(caller.hits, 1u);
-    EXPECT_EQ(caller.total, static_cast<std::int64_t>(cycles));
-    EXPECT_EQ(leaf.hits, 5u);
-    EXPECT_EQ(leaf.min, leaf.max) << "every call takes the same path";
-    EXPECT_EQ(leaf.total, 5 * leaf.min);
-    EXPECT_GT(caller.total, leaf.total) << "the caller's time holds its callees'";
-}
-
 TEST_F(Profiler, NestedCallsHoldTheTimesOfTheirCallees)
 {
     recordFunctions({"outer", "middle", "leaf"});
