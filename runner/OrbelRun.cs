@@ -47,9 +47,6 @@ public static class OrbelRun {
     if (saveTo != null || isShowOnly) {
       return ShowFiles(files, saveTo);
     }
-    if (!FirmwareBuild.EnsureBuilt()) {
-      return TestFileRun.Unusable;
-    }
     int status = TestFileRun.AllPassed;
     foreach (string file in files) {
       Console.WriteLine();

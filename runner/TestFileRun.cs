@@ -47,6 +47,9 @@ public sealed class TestFileRun {
       Console.Error.WriteLine(file + ": names no workspace (\"workspace\" in \"env\")");
       return Unusable;
     }
+    if (!FirmwareBuild.EnsureBuilt(env.getWorkspace())) {
+      return Unusable;
+    }
     var connection = new ConnectionMgr();
     using (var runner = new TestRunner(connection, env.getDefaultReturnValueName())) {
       if (!Prepare(runner.TestCase, connection, env)) {

@@ -126,9 +126,11 @@ public static class RunnerTests {
     Check.Case("a passing file exits 0; a relative workspace is found from the file's folder", () => {
       string folder = NewFolder();
       File.Copy(workspace, Path.Combine(folder, "board.yaml"));
-      // The workspace's download path is relative to the workspace: point it at the built ELF.
-      string board = File.ReadAllText(Path.Combine(folder, "board.yaml"))
-                         .Replace("build/firmware.elf", Path.Combine(firmware, "build/firmware.elf"));
+      // The workspace's download path is relative to the workspace: point it at the built ELF,
+      // and leave out the build section, whose sources stay with the firmware.
+      string board = File.ReadAllText(Path.Combine(folder, "board.yaml"));
+      board = board.Substring(0, board.IndexOf("\nbuild:") + 1)
+                  .Replace("build/firmware.elf", Path.Combine(firmware, "build/firmware.elf"));
       File.WriteAllText(Path.Combine(folder, "board.yaml"), board);
       string file = Write(folder, "ok.yaml", string.Format(Env, "board.yaml", "full") +
                                              "tests:\n- id: only\n  func: [energy_nj, [1, 2]]\n  expect: [rv == 2000]\n");
