@@ -31,7 +31,7 @@ finished=(
   SBatchAccessHeader SBatchAccessItem SBatchAccessItemResult VectorBatchAccessItem VectorBatchAccessResult
   SScan_IN SScan_OUT SLine_IN SLine_OUT Scan
   CTestCaseController CTestVariableController CTestStubController ICustomFunctions
-  CIDEController CIDEData COptionValue SOptionValue
+  CIDEController CIDEData COptionValue SOptionValue CWorkspaceController
   CDocumentController CAnalyzerDocController CTerminalDocController CCoverageController
   SCoverageRange CoverageRangeVector CHILController
   IDescriptor IVectorVariableDescriptors IItemDescriptor IVariableDescriptor IElementDescriptor
@@ -47,6 +47,7 @@ finished_names=(
   CSharp_new_SPtrFactoryConnectionMgr
   CSharp_SERVICE_Scan_get
   CSharp_PathSeparator CSharp_ValueSeparator CSharp_OptionSeparator
+  CSharp_new_CWorkspaceControllerWS
 )
 # Names SWIG's own C# proxies call; the catalogue's names for them are shims beside them.
 allowed=(

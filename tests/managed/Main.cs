@@ -11,6 +11,7 @@ public static class ManagedTestMain {
     ConnectionTests.Run();
     DebugTests.Run();
     IdeTests.Run();
+    WorkspaceTests.Run();
     DocumentTests.Run();
     TestRunTests.Run();
     RunnerTests.Run();
