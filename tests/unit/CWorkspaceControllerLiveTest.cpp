@@ -92,16 +92,3 @@ TEST_F(CWorkspaceControllerLiveTest, ABrokenFileIsNamedAndTheWorkspaceStays)
     EXPECT_EQ(0u, ide.getOptionInt("/IDE/Debug/StopOnReset")) << "the options of the open workspace stay";
 }
 
-TEST_F(CWorkspaceControllerLiveTest, NewSaveAsAndClose)
-{
-    CWorkspaceController ws(mgr);
-    CIDEController ide(mgr);
-    ws.newWS(folder + "/fresh/new.yaml");
-    EXPECT_TRUE(std::filesystem::exists(folder + "/fresh/new.yaml"));
-    EXPECT_TRUE(std::filesystem::equivalent(folder + "/fresh", ide.getPath(0)));
-    ws.saveAs(folder + "/moved/copy.yaml");
-    EXPECT_TRUE(std::filesystem::equivalent(folder + "/moved", ide.getPath(0)));
-    ws.close();
-    EXPECT_THROW(ide.getPath(0), IOException) << "the default workspace has no folder";
-    EXPECT_NO_THROW(ws.save()) << "nothing to save to: S_FALSE passes";
-}

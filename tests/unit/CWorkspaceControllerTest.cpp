@@ -128,15 +128,3 @@ TEST_F(CWorkspaceControllerTest, CallsAreLoggedBeforeTheyAreSent)
     EXPECT_EQ(expected, scriptLines());
 }
 
-TEST_F(CWorkspaceControllerTest, AMissingIdeInterfaceNamesTheGate)
-{
-    script().missing = {"OrbelIDE"};
-    auto fresh = std::make_shared<ConnectionMgr>();
-    fresh->connect("", 1234);
-    CWorkspaceController without(fresh);
-    const auto e = thrownBy<IOException>([&] { without.save(); });
-    EXPECT_EQ("IDE interface is not available. Make sure that application is connected to quillon (see "
-              "ConnectionMgr.connect...())!",
-              e.getDesc());
-    EXPECT_TRUE(workspaceCalls().empty());
-}

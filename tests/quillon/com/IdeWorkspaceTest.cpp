@@ -116,16 +116,5 @@ TEST_F(IdeWorkspaceTest, TheHilDescriptorFollowsTheWorkspace)
     hil->Release();
 }
 
-TEST_F(IdeWorkspaceTest, WithoutAnInstanceNothingIsDone)
-{
-    OrbelObject* detached = OrbelObject::create(registry);
-    auto* other = query<OrbelIDE3>(detached, IID_OrbelIDE3);
-    ASSERT_NE(nullptr, other);
-    EXPECT_EQ(ORBEL_E_NOT_CONNECTED, other->Workspace(F::wsCloseDiscard, ""));
-    other->Release();
-    detached->Release();
-    EXPECT_EQ(first, currentFile().string());
-}
-
 } // namespace
 } // namespace quillon::com::test

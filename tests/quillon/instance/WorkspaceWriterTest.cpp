@@ -90,19 +90,6 @@ TEST(WorkspaceWriter, DownloadsAreWrittenRelativeToTheNewFolder)
     EXPECT_EQ(std::filesystem::path("/opt/boot.elf"), moved.downloads()[1].file);
 }
 
-TEST(WorkspaceWriter, ListOptionsAreYamlListsAndEmptyOnesStayEmpty)
-{
-    TempDir dir;
-    Workspace ws;
-    ws.setFile(dir.path() / "ws.yaml");
-    ws.setOptions({{"/IDE/Debug/SourcePaths", "", 0}, {"/IDE/Debug/StopAtMain", "1", 0}});
-    WorkspaceWriter::write(ws);
-    const Workspace loaded = Workspace::load(ws.file());
-    ASSERT_EQ(2u, loaded.options().size());
-    EXPECT_EQ("", loaded.options()[0].value);
-    EXPECT_EQ("1", loaded.options()[1].value);
-}
-
 TEST(WorkspaceWriter, AFileThatCannotBeWrittenIsNamed)
 {
     TempDir dir;
