@@ -45,6 +45,8 @@ void Instance::save(Workbench& bench, const Workspace& workspace)
 void Instance::newWorkspace(const std::filesystem::path& file)
 {
     std::lock_guard<std::mutex> lock(m_commandMutex);
+    // As an IDE's "new" once the user has confirmed: the current workspace goes unsaved, a file
+    // of that name is replaced.
     Workspace workspace;
     workspace.setFile(file);
     // Written before the swap: a file that cannot be written leaves the old workspace.
@@ -55,6 +57,7 @@ void Instance::newWorkspace(const std::filesystem::path& file)
 void Instance::openWorkspace(const std::filesystem::path& file)
 {
     std::lock_guard<std::mutex> lock(m_commandMutex);
+    // Not saved first: a caller that wants the changes kept saves, or closes, before.
     replaceBench(benchFor(Workspace::load(file)));
 }
 
@@ -75,6 +78,7 @@ void Instance::saveWorkspaceAs(const std::filesystem::path& file)
     std::lock_guard<std::mutex> lock(m_commandMutex);
     const std::shared_ptr<Workbench> bench = workbench();
     Workspace workspace = bench->current();
+    // Target and services stay as they are; the file moves, and relative paths are written from its folder.
     workspace.setFile(file);
     save(*bench, workspace);
 }
@@ -87,6 +91,7 @@ void Instance::closeWorkspace(bool saveFirst)
     if (saveFirst && !workspace.file().empty()) {
         save(*bench, workspace);
     }
+    // Quillon without a workspace goes on with the defaults, as an instance launched without one.
     replaceBench(benchFor(Workspace()));
 }
 
