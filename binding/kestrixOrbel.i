@@ -28,6 +28,7 @@
 %include "Debug.i"
 %include "Profiler.i"
 %include "IDE.i"
+%include "Workspace.i"
 %include "Documents.i"
 %include "HIL.i"
 %include "Project.i"

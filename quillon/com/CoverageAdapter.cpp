@@ -48,7 +48,7 @@ template <class F> HRESULT CoverageAdapter::serve(const char* name, const char* 
             return fail(kestrix::ORBEL_E_NOT_CONNECTED, std::string(name) + ": not attached to a Quillon instance");
         }
         try {
-            return operation(instance->coverage(), document);
+            return operation(instance->workbench()->coverage(), document);
         } catch (const AnalyzerError& error) {
             m_coverageError.set(document, classOf(error.kind()), error.what());
             return fail(kestrix::E_FAIL, std::string(name) + ": " + error.what());

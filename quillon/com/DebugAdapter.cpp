@@ -74,7 +74,7 @@ HRESULT DebugAdapter::serve(const char* name, F&& operation, char* reason, DWORD
             return fail(kestrix::ORBEL_E_NOT_CONNECTED, std::string(name) + ": not attached to a Quillon instance");
         }
         try {
-            return operation(instance->debug());
+            return operation(instance->workbench()->debug());
         } catch (const ServiceError& error) {
             DebugRecords::copyTextCut(error.what(), reason, reasonSize);
             return fail(DebugRecords::codeOf(error.kind()), std::string(name) + ": " + error.what());

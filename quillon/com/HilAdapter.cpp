@@ -34,7 +34,7 @@ template <class F> HRESULT HilAdapter::serve(const char* name, F&& operation) no
             return fail(kestrix::ORBEL_E_NOT_CONNECTED, std::string(name) + ": not attached to a Quillon instance");
         }
         try {
-            operation(instance->hil());
+            operation(instance->workbench()->hil());
             return kestrix::S_OK;
         } catch (const AnalyzerError& error) {
             return fail(codeOf(error.kind()), std::string(name) + ": " + error.what());
@@ -87,11 +87,13 @@ HRESULT HilAdapter::GetInfo(DWORD size, kestrix::SHILInfo* info)
         info->m_dwFlags = 0;
         if (isAsked) {
             std::lock_guard<std::mutex> lock(m_mutex);
-            std::unique_ptr<HilDescriptor>& descriptor = m_descriptors[instance->id()];
-            if (!descriptor) {
-                descriptor = std::make_unique<HilDescriptor>(owner(), instance->hil().channels());
+            const std::shared_ptr<Workbench> bench = instance->workbench();
+            Descriptors& descriptors = m_descriptors[instance->id()];
+            if (descriptors.made.empty() || descriptors.bench.lock() != bench) {
+                descriptors.made.push_back(std::make_unique<HilDescriptor>(owner(), bench->hil().channels()));
+                descriptors.bench = bench;
             }
-            info->m_pIDescriptor = descriptor.get();
+            info->m_pIDescriptor = descriptors.made.back().get();
             info->m_dwFlags = kestrix::OrbelHILFlags::hiDescriptor;
         }
         return kestrix::S_OK;

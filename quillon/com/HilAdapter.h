@@ -5,6 +5,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "com/Adapter.h"
 #include "com/HilDescriptor.h"
@@ -18,8 +19,8 @@ namespace quillon::com {
 /// ORBEL_E_SIZE. `Write` takes "name:value" pairs apart by commas or semicolons. The two flag words have no
 /// meaning here and are not looked at. An unknown channel answers ORBEL_E_BAD_ID, a bad text or value
 /// E_INVALIDARG, a write while the target runs ORBEL_E_ERROR, each with a message that names it. `GetInfo`
-/// gives the descriptor of the instance's channels (HilDescriptor) when asked for it; it belongs to the automation
-/// object and stays valid while the object lives.
+/// gives the descriptor of the instance's channels (HilDescriptor) when asked for it, a new one once the instance
+/// has opened another workspace; each belongs to the automation object and stays valid while the object lives.
 class HilAdapter final : public Adapter<kestrix::OrbelHIL> {
 public:
     HilAdapter(kestrix::IUnknown& owner, LastError& lastError, Session& session)
@@ -37,7 +38,12 @@ private:
 
     Session& m_session;
     std::mutex m_mutex;
-    std::map<std::string, std::unique_ptr<HilDescriptor>> m_descriptors; ///< by instance id
+    /// The descriptors made for one instance; a new one when its workspace has changed.
+    struct Descriptors {
+        std::weak_ptr<Workbench> bench;                   ///< whose channels the last one lists
+        std::vector<std::unique_ptr<HilDescriptor>> made; ///< all stay valid; the last is current
+    };
+    std::map<std::string, Descriptors> m_descriptors; ///< by instance id
 };
 
 } // namespace quillon::com

@@ -9,6 +9,7 @@
 #include "OrbelIdentifiers.h"
 #include "com/DocumentCommand.h"
 #include "com/QuillonVersion.h"
+#include "instance/WorkspaceError.h"
 #include "services/ServiceError.h"
 
 namespace quillon::com {
@@ -65,16 +66,60 @@ HRESULT IdeAdapter::Document(DWORD flags, const char* fileName, const char* strP
         }
         try {
             const DocumentCommand command(flags, fileName != nullptr ? fileName : "", strParameter, dwParameter);
-            return command.run(instance->documents()) ? kestrix::S_OK : kestrix::S_FALSE;
+            return command.run(instance->workbench()->documents()) ? kestrix::S_OK : kestrix::S_FALSE;
         } catch (const services::AnalyzerError& error) {
             return fail(DocumentCommand::codeOf(error.kind()), std::string(name) + ": " + error.what());
         }
     });
 }
 
-HRESULT IdeAdapter::Workspace(DWORD, const char*)
+HRESULT IdeAdapter::Workspace(DWORD command, const char* fileName)
 {
-    return notImplemented("OrbelIDE::Workspace");
+    const char* name = "OrbelIDE::Workspace";
+    return call(name, [&] {
+        const auto instance = m_session.instance();
+        if (!instance) {
+            return fail(kestrix::ORBEL_E_NOT_CONNECTED, std::string(name) + ": not attached to a Quillon instance");
+        }
+        try {
+            return workspace(*instance, command, fileName != nullptr ? fileName : "");
+        } catch (const WorkspaceError& error) {
+            // The message names the file, and the line and key at fault.
+            return fail(kestrix::ORBEL_E_ERROR, error.what());
+        }
+    });
+}
+
+HRESULT IdeAdapter::workspace(Instance& instance, DWORD command, const std::string& fileName)
+{
+    const char* name = "OrbelIDE::Workspace";
+    const bool needsFile = command == F::wsNew || command == F::wsOpen || command == F::wsSaveAs;
+    if (needsFile && fileName.empty()) {
+        return fail(kestrix::E_INVALIDARG, std::string(name) + ": command " + std::to_string(command)
+                                               + " needs a file name");
+    }
+    switch (command) {
+    case F::wsNew:
+        instance.newWorkspace(fileName);
+        return kestrix::S_OK;
+    case F::wsOpen:
+        instance.openWorkspace(fileName);
+        return kestrix::S_OK;
+    case F::wsSave:
+        // Without a file there is nowhere to save to: S_FALSE, as for a save the user cancels.
+        return instance.saveWorkspace() ? kestrix::S_OK : kestrix::S_FALSE;
+    case F::wsSaveAs:
+        instance.saveWorkspaceAs(fileName);
+        return kestrix::S_OK;
+    case F::wsClose:
+        instance.closeWorkspace(true);
+        return kestrix::S_OK;
+    case F::wsCloseDiscard:
+        instance.closeWorkspace(false);
+        return kestrix::S_OK;
+    default:
+        return fail(kestrix::E_INVALIDARG, std::string(name) + ": unknown command " + std::to_string(command));
+    }
 }
 
 HRESULT IdeAdapter::Application(DWORD, kestrix::SApplicationData*)
@@ -188,7 +233,8 @@ HRESULT IdeAdapter::option(DWORD flags, const char* scope, const char* name, SOp
     if (module == nullptr) {
         return fail(kestrix::E_INVALIDARG, message("no module has the bits " + hex(flags & F::ofModuleMask)));
     }
-    OptionTree& options = instance->options();
+    const std::shared_ptr<Workbench> bench = instance->workbench();
+    OptionTree& options = bench->options();
     const std::string scopeText = scope != nullptr ? scope : "";
     const DWORD kind = flags & F::ofKindMask;
     if (kind == F::ofNameValue && (flags & (F::ofRead | F::ofDynamicMask)) == 0) {

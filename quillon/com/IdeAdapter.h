@@ -22,8 +22,11 @@ namespace quillon::com {
 /// ORBEL_E_BAD_ID, a bad value E_INVALIDARG, a text or number that does not fit the caller's
 /// record ORBEL_E_SIZE, each with the message. `Document` acts on the instance's documents
 /// (DocumentCommand): S_FALSE where stop or is-active say no, else a failure's code with its
-/// message. The workspace, windows and service calls answer E_NOTIMPL with a message that
-/// names them.
+/// message. `Workspace` runs the instance's workspace commands
+/// (7 new, 9 open, 3 save, 4 save as, 1 close, 11 close and discard): S_FALSE for a save without
+/// a file; a file that cannot be read, used or written answers ORBEL_E_ERROR with the
+/// workspace's message (file, line, key); a missing file name or an unknown command
+/// E_INVALIDARG. The windows and service calls answer E_NOTIMPL with a message that names them.
 class IdeAdapter final : public Adapter<kestrix::OrbelIDE3> {
 public:
     IdeAdapter(kestrix::IUnknown& owner, LastError& lastError, Session& session)
@@ -44,6 +47,7 @@ public:
                             DWORD, void*, DWORD) override;
 
 private:
+    HRESULT workspace(Instance& instance, DWORD command, const std::string& fileName);
     HRESULT quillonVersion(DWORD size, kestrix::SQuillonVersionInfo* info);
     HRESULT option(DWORD flags, const char* scope, const char* name, kestrix::SOptionValue* value);
     /// Sets each "name:value" of the record's text; pairs apart by the option separator.

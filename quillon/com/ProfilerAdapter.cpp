@@ -44,7 +44,7 @@ template <class F> HRESULT ProfilerAdapter::serve(const char* name, Answers answ
             return fail(kestrix::ORBEL_E_NOT_CONNECTED, std::string(name) + ": not attached to a Quillon instance");
         }
         try {
-            return operation(instance->profiler());
+            return operation(instance->workbench()->profiler());
         } catch (const ServiceError& error) {
             return fail(codeOf(error, answers), std::string(name) + ": " + error.what());
         }

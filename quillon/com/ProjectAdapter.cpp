@@ -43,7 +43,7 @@ template <class F> HRESULT ProjectAdapter::serve(const char* name, F&& operation
             return fail(kestrix::ORBEL_E_NOT_CONNECTED, std::string(name) + ": not attached to a Quillon instance");
         }
         try {
-            return operation(instance->build());
+            return operation(instance->workbench()->build()); // the bench lives until the call ends
         } catch (const BuildError& error) {
             return fail(codeOf(error.kind()), std::string(name) + ": " + error.what());
         }

@@ -27,7 +27,7 @@ template <class F> HRESULT TestAdapter::serve(const char* name, F&& operation) n
             return fail(kestrix::ORBEL_E_NOT_CONNECTED, std::string(name) + ": not attached to a Quillon instance");
         }
         try {
-            operation(instance->test());
+            operation(instance->workbench()->test());
             return kestrix::S_OK;
         } catch (const TestError& error) {
             m_testError.set(static_cast<DWORD>(error.kind()), error.what());

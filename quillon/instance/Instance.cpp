@@ -1,96 +1,98 @@
 #include "instance/Instance.h"
 
-#include <stdexcept>
 #include <utility>
-#include <vector>
+
+#include "instance/TargetBuilder.h"
+#include "instance/WorkspaceWriter.h"
 
 namespace quillon {
 
-namespace {
-
-target::Target& checked(const std::unique_ptr<target::Target>& target)
-{
-    if (!target) {
-        throw std::invalid_argument("an instance needs a target");
-    }
-    return *target;
-}
-
-std::vector<std::string> downloadFiles(const Workspace& workspace)
-{
-    std::vector<std::string> files;
-    for (const auto& download : workspace.downloads()) {
-        files.push_back(download.file.string());
-    }
-    return files;
-}
-
-services::DocumentService::Settings documentSettings(const Workspace& workspace)
-{
-    services::DocumentService::Settings settings;
-    settings.folder = workspace.folder();
-    if (workspace.terminal()) {
-        settings.terminalUart = workspace.terminal()->uart;
-    }
-    for (const Workspace::TraceTrigger& trigger : workspace.traceTriggers()) {
-        settings.triggers.push_back(services::TraceTrigger{trigger.name, trigger.start, trigger.instructions});
-    }
-    return settings;
-}
-
-std::vector<services::HilChannel> hilChannels(const Workspace& workspace)
-{
-    std::vector<services::HilChannel> channels;
-    for (const Workspace::HilChannel& channel : workspace.hilChannels()) {
-        channels.push_back(services::HilChannel{
-            channel.name, services::HilChannel::kindNamed(channel.kind).value_or(services::HilChannel::Kind::Integer),
-            channel.address, channel.initial});
-    }
-    return channels;
-}
-
-} // namespace
-
 Instance::Instance(std::string id, std::uint16_t port, Workspace workspace, std::string commandLine,
                    std::unique_ptr<target::Target> target)
-    : m_id(std::move(id)), m_port(port), m_workspace(std::move(workspace)),
-      m_commandLine(std::move(commandLine)), m_target(std::move(target)),
-      m_debug(checked(m_target), downloadFiles(m_workspace)), m_expressions(*m_target, m_debug.symbols()),
-      m_profiler(*m_target, [this](std::uint32_t flags, const std::string& name) { return m_debug.findSymbol(flags, name); })
+    : m_id(std::move(id)), m_port(port), m_commandLine(std::move(commandLine)),
+      m_bench(std::make_shared<Workbench>(std::move(workspace), std::move(target)))
 {
-    m_options.setDefault(services::OptionTree::kMaxInstructions, std::to_string(m_workspace.maxInstructions()));
-    for (const Workspace::OptionSetting& setting : m_workspace.options()) {
-        m_options.setDefault(setting.path, setting.value);
-    }
-    m_debug.setExpressionEngine(&m_expressions);
-    m_debug.setOptions(&m_options);
-    m_test = std::make_unique<services::TestService>(
-        *m_target, [this] { return m_options.integer(services::OptionTree::kMaxInstructions); },
-        [this] { return firstDebugInfo(); });
-    m_documents = std::make_unique<services::DocumentService>(*m_target, m_debug.symbols(), documentSettings(m_workspace));
-    m_coverage = std::make_unique<services::CoverageService>(*m_documents);
-    m_hil = std::make_unique<services::HilService>(*m_target, hilChannels(m_workspace));
-    m_hil->writeInitialValues();
 }
 
-const debuginfo::DebugInfo* Instance::firstDebugInfo() const
+std::shared_ptr<Workbench> Instance::workbench() const
 {
-    for (const auto& program : m_debug.symbols().programs()) {
-        if (const debuginfo::DebugInfo* info = program.debugInfo()) {
-            return info;
-        }
-    }
-    return nullptr;
+    std::lock_guard<std::mutex> lock(m_benchMutex);
+    return m_bench;
 }
 
-Instance::~Instance()
+std::shared_ptr<Workbench> Instance::benchFor(Workspace workspace)
 {
-    try {
-        m_debug.stop();
-        m_debug.waitUntilStopped(std::chrono::seconds(10));
-    } catch (...) {
-        // Going anyway: the target stops its run thread when it goes.
+    std::unique_ptr<target::Target> target = TargetBuilder::build(workspace);
+    return std::make_shared<Workbench>(std::move(workspace), std::move(target));
+}
+
+void Instance::replaceBench(std::shared_ptr<Workbench> next)
+{
+    std::shared_ptr<Workbench> previous;
+    {
+        std::lock_guard<std::mutex> lock(m_benchMutex);
+        previous = std::exchange(m_bench, std::move(next));
     }
+    // `previous` goes here, outside the lock: its core is stopped first, which may take a moment.
+}
+
+void Instance::save(Workbench& bench, const Workspace& workspace)
+{
+    WorkspaceWriter::write(workspace);
+    bench.setWorkspace(workspace);
+}
+
+void Instance::newWorkspace(const std::filesystem::path& file)
+{
+    std::lock_guard<std::mutex> lock(m_commandMutex);
+    // As an IDE's "new" once the user has confirmed: the current workspace goes unsaved, a file
+    // of that name is replaced.
+    Workspace workspace;
+    workspace.setFile(file);
+    // Written before the swap: a file that cannot be written leaves the old workspace.
+    WorkspaceWriter::write(workspace);
+    replaceBench(benchFor(std::move(workspace)));
+}
+
+void Instance::openWorkspace(const std::filesystem::path& file)
+{
+    std::lock_guard<std::mutex> lock(m_commandMutex);
+    // Not saved first: a caller that wants the changes kept saves, or closes, before.
+    replaceBench(benchFor(Workspace::load(file)));
+}
+
+bool Instance::saveWorkspace()
+{
+    std::lock_guard<std::mutex> lock(m_commandMutex);
+    const std::shared_ptr<Workbench> bench = workbench();
+    const Workspace workspace = bench->current();
+    if (workspace.file().empty()) {
+        return false;
+    }
+    save(*bench, workspace);
+    return true;
+}
+
+void Instance::saveWorkspaceAs(const std::filesystem::path& file)
+{
+    std::lock_guard<std::mutex> lock(m_commandMutex);
+    const std::shared_ptr<Workbench> bench = workbench();
+    Workspace workspace = bench->current();
+    // Target and services stay as they are; the file moves, and relative paths are written from its folder.
+    workspace.setFile(file);
+    save(*bench, workspace);
+}
+
+void Instance::closeWorkspace(bool saveFirst)
+{
+    std::lock_guard<std::mutex> lock(m_commandMutex);
+    const std::shared_ptr<Workbench> bench = workbench();
+    const Workspace workspace = bench->current();
+    if (saveFirst && !workspace.file().empty()) {
+        save(*bench, workspace);
+    }
+    // Quillon without a workspace goes on with the defaults, as an instance launched without one.
+    replaceBench(benchFor(Workspace()));
 }
 
 bool Instance::removeClient()

@@ -201,7 +201,7 @@ std::shared_ptr<Instance> InstanceRegistry::findLocked(const Query& query) const
 
 bool InstanceRegistry::sameWorkspace(const Instance& instance, const Query& query)
 {
-    const fs::path& file = instance.workspace().file();
+    const fs::path file = instance.workspace().file();
     if (file.empty()) {
         return false;
     }

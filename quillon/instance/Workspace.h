@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "services/BuildSettings.h"
@@ -12,7 +13,12 @@ namespace quillon {
 
 /// The workspace of one Quillon instance: a YAML file that names the target, its memory and the
 /// files to download. `load` reads and checks the whole file at once; a default-constructed
-/// workspace has every default and no file.
+/// workspace has every default and no file. `WorkspaceWriter` writes one back in the same format,
+/// so that what it writes loads again to an equal workspace.
+///
+/// An instance replaces its workspace as a whole (`Instance`): new, open, save, save as, close.
+/// Opening checks the whole file and builds the new target before anything of the running
+/// workspace changes, so a file that cannot be used leaves the instance as it was.
 ///
 /// File (keys not given take the defaults shown):
 ///
@@ -30,7 +36,9 @@ namespace quillon {
 ///     test:
 ///       maxInstructions: 100000000   # 64 bits, not zero
 ///     options:                # option path: value, set in file order (services/OptionTree.h
-///       /IDE/Debug/StopOnReset: 0     # has the paths); a list option takes a YAML list
+///       /IDE/Debug/StopOnReset: 0     # has the paths); a list option takes a YAML list. A save
+///                             # writes the options the file set and every option changed
+///                             # from its default, at their current values
 ///     terminal:
 ///       uart: 0x40011004      # required: the UART data register whose writes the terminal
 ///                             # shows; it must lie in a writable memory area
@@ -59,7 +67,8 @@ namespace quillon {
 ///         - name: size                # required, unique
 ///           command: arm-none-eabi-size build/firmware.elf   # required
 ///
-/// Numbers are decimal or 0x hexadecimal. A key given with a null value (`target:`) is as if
+/// A save writes every section in this order, what is empty left out, the download files relative
+/// to the folder of the file it writes. Numbers are decimal or 0x hexadecimal. A key given with a null value (`target:`) is as if
 /// it were not given; a null scalar value is a missing value. Keys are case-sensitive.
 ///
 /// Errors (`WorkspaceError`) are one line: "<file>: <problem>" for a file that cannot be read,
@@ -162,6 +171,14 @@ public:
 
     /// Reads and checks the file; throws `WorkspaceError` with the message described above.
     static Workspace load(const std::filesystem::path& file);
+
+    /// The same workspace as the file `file` (made canonical). Download paths are kept absolute,
+    /// so they name the same files from the new folder; `WorkspaceWriter` writes them relative to it.
+    void setFile(const std::filesystem::path& file) { m_file = canonicalPath(file); }
+    /// Replaces the option settings, as a save does with the current values of the options.
+    void setOptions(std::vector<OptionSetting> options) { m_options = std::move(options); }
+    /// The build settings as the build manager has them now.
+    void setBuild(std::optional<services::BuildSettings> build) { m_build = std::move(build); }
 
     /// Canonical path of the file (absolute, links resolved); empty for the default workspace.
     const std::filesystem::path& file() const { return m_file; }

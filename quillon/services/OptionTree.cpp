@@ -241,6 +241,15 @@ void OptionTree::setDefault(const std::string& path, const std::string& text)
     value.defaultValue = text;
 }
 
+bool OptionTree::isDefault(const std::string& path) const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const Value& value = find(path);
+    Value initial = value;
+    assign(initial, path, value.defaultValue);
+    return initial.number == value.number && initial.items == value.items;
+}
+
 std::size_t OptionTree::listSize(const std::string& path) const
 {
     std::lock_guard<std::mutex> lock(m_mutex);

@@ -67,6 +67,8 @@ public:
     void resetAll();
     /// Changes the default of `path` as well as its value.
     void setDefault(const std::string& path, const std::string& text);
+    /// The value equals the default (as parsed: "true" equals 1).
+    bool isDefault(const std::string& path) const;
 
     std::size_t listSize(const std::string& path) const;
     /// An empty item at `index` (0 to the size).

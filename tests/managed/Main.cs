@@ -12,6 +12,7 @@ public static class ManagedTestMain {
     DebugTests.Run();
     IdeTests.Run();
     ObjectTests.Run();
+    WorkspaceTests.Run();
     DocumentTests.Run();
     TestRunTests.Run();
     RunnerTests.Run();

@@ -206,7 +206,11 @@ public:
                textOf(strParameter) + ", " + std::to_string(dwParameter) + ")");
         return answer(g_state.script.ide.document, flags, fileName, strParameter, dwParameter);
     }
-    HRESULT Workspace(DWORD, const char*) override { return E_NOTIMPL; }
+    HRESULT Workspace(DWORD command, const char* fileName) override
+    {
+        record(std::string(m_ownName) + ".Workspace(" + std::to_string(command) + ", " + textOf(fileName) + ")");
+        return answer(g_state.script.ide.workspace, command, fileName);
+    }
     HRESULT Application(DWORD command, SApplicationData* data) override
     {
         record(std::string(m_ownName) + ".Application(" + hex(command) + ", " + std::to_string(data->m_dwLeft) + ", " +

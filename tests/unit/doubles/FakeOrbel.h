@@ -78,6 +78,8 @@ struct IdeAnswers {
     std::function<HRESULT(kestrix::SQuillonVersionInfo*)> information;
     /// Document(flags, fileName, strParameter, dwParameter).
     std::function<HRESULT(DWORD, const char*, const char*, DWORD)> document;
+    /// Workspace(command, fileName).
+    std::function<HRESULT(DWORD, const char*)> workspace;
 };
 
 /// Answers of the coverage operations, without the document's file name that each one takes.
