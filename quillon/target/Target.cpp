@@ -18,6 +18,8 @@ constexpr uint64_t runThreadSlice = 1u << 20;
 
 constexpr uint32_t thumbBit = 1u << 24; // of xPSR
 
+constexpr size_t batchCapacity = 4096; // instructions
+
 // The emulator's exception numbers (QEMU's EXCP_*) that a Cortex-M run can raise.
 constexpr int excUndefined = 1;
 constexpr int excSvc = 2;
@@ -75,6 +77,15 @@ struct TargetHooks {
         if (!t->m_observers.empty()) {
             t->flushObserved(static_cast<uint32_t>(address));
             t->m_observed = {static_cast<uint32_t>(address), size, n, true};
+        }
+        if (!t->m_batchObservers.empty()) {
+            if (t->m_batchSize == t->m_batch.size()) {
+                t->flushBatch(t->m_batchSize); // a next instruction came: all of them ran
+            }
+            if (t->m_batchSize == 0) {
+                t->m_batchCycle = n;
+            }
+            t->m_batch[t->m_batchSize++] = {static_cast<uint32_t>(address), size};
         }
     }
 
@@ -145,7 +156,7 @@ struct TargetHooks {
 
 Target::Target(const TargetConfig& config)
     : m_cpu(CpuModel::fromName(config.cpu)), m_clockHz(config.clockHz),
-      m_engine(std::make_unique<Engine>(m_cpu.engineModel()))
+      m_engine(std::make_unique<Engine>(m_cpu.engineModel())), m_batch(batchCapacity)
 {
     if (m_clockHz == 0) {
         throw TargetError(TargetError::Kind::InvalidArgument, "the clock must be above 0 Hz");
@@ -260,8 +271,9 @@ void Target::addObserver(ExecutionObserver* observer, bool watchWrites)
         throw TargetError(TargetError::Kind::InvalidArgument, "no observer given");
     }
     withStoppedEngine([&] {
-        if (std::find(m_observers.begin(), m_observers.end(), observer) == m_observers.end()) {
-            m_observers.push_back(observer);
+        auto& list = observer->takesBatches() ? m_batchObservers : m_observers;
+        if (std::find(list.begin(), list.end(), observer) == list.end()) {
+            list.push_back(observer);
         }
         if (watchWrites && std::find(m_writeObservers.begin(), m_writeObservers.end(), observer) == m_writeObservers.end()) {
             m_writeObservers.push_back(observer);
@@ -274,6 +286,8 @@ void Target::removeObserver(ExecutionObserver* observer)
 {
     withStoppedEngine([&] {
         m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), observer), m_observers.end());
+        m_batchObservers.erase(std::remove(m_batchObservers.begin(), m_batchObservers.end(), observer),
+                               m_batchObservers.end());
         m_writeObservers.erase(std::remove(m_writeObservers.begin(), m_writeObservers.end(), observer),
                                m_writeObservers.end());
         updateWriteHook();
@@ -283,11 +297,14 @@ void Target::removeObserver(ExecutionObserver* observer)
 // Engine locked, target stopped: the observers look at the registers that the run starts from.
 void Target::tellRunStart()
 {
-    if (m_observers.empty()) {
+    if (m_observers.empty() && m_batchObservers.empty()) {
         return;
     }
     EngineThreadMark mark(m_engineThread);
     for (ExecutionObserver* observer : m_observers) {
+        observer->onRunStart(m_cycles.load());
+    }
+    for (ExecutionObserver* observer : m_batchObservers) {
         observer->onRunStart(m_cycles.load());
     }
 }
@@ -305,6 +322,16 @@ void Target::flushObserved(std::optional<uint32_t> next)
         observer->onInstruction(m_observed.address, m_observed.size, m_observed.cycle);
     }
     m_nextAddress.reset();
+}
+
+void Target::flushBatch(size_t count)
+{
+    if (count > 0) {
+        for (ExecutionObserver* observer : m_batchObservers) {
+            observer->onInstructions(m_batch.data(), count, m_batchCycle);
+        }
+    }
+    m_batchSize = 0;
 }
 
 // The write hook costs on every store: it is there only while someone watches writes. Translated code has the
@@ -594,6 +621,9 @@ std::optional<StopInfo> Target::runSlice(uint64_t slice)
             m_observed.pending = false;
         }
         flushObserved(pc); // still as the engine's thread: observers may read registers
+        // The batch holds what the count holds: not an instruction stopped before, nor a bkpt.
+        const uint64_t cycles = m_cycles.load();
+        flushBatch(m_batchSize == 0 || cycles < m_batchCycle ? 0 : std::min<uint64_t>(m_batchSize, cycles - m_batchCycle + 1));
     }
     if (!stop && m_cycles.load() == before && pc == from) {
         StopInfo info;
