@@ -18,8 +18,6 @@ constexpr uint64_t runThreadSlice = 1u << 20;
 
 constexpr uint32_t thumbBit = 1u << 24; // of xPSR
 
-constexpr size_t batchCapacity = 4096; // instructions
-
 // The emulator's exception numbers (QEMU's EXCP_*) that a Cortex-M run can raise.
 constexpr int excUndefined = 1;
 constexpr int excSvc = 2;
@@ -75,18 +73,28 @@ struct TargetHooks {
             return; // the instruction does not execute now
         }
         if (!t->m_observers.empty()) {
-            t->flushObserved(static_cast<uint32_t>(address));
-            t->m_observed = {static_cast<uint32_t>(address), size, n, true};
+            observe(t, static_cast<uint32_t>(address), size, n);
         }
-        if (!t->m_batchObservers.empty()) {
+        if (t->m_isBatching) {
             if (t->m_batchSize == t->m_batch.size()) {
-                t->flushBatch(t->m_batchSize); // a next instruction came: all of them ran
-            }
-            if (t->m_batchSize == 0) {
-                t->m_batchCycle = n;
+                batchFull(t, n);
             }
             t->m_batch[t->m_batchSize++] = {static_cast<uint32_t>(address), size};
         }
+    }
+
+    // Out of line, so that the path of every instruction stays short.
+    [[gnu::noinline]] static void observe(Target* t, uint32_t address, uint32_t size, uint64_t cycle) noexcept
+    {
+        t->flushObserved(address);
+        t->m_observed = {address, size, cycle, true};
+    }
+
+    // A next instruction came: all of the batch ran.
+    [[gnu::noinline]] static void batchFull(Target* t, uint64_t cycle) noexcept
+    {
+        t->flushBatch(t->m_batchSize);
+        t->m_batchCycle = cycle;
     }
 
     static void onWrite(uc_engine*, uc_mem_type, uint64_t address, int size, int64_t value, void* user) noexcept
@@ -156,7 +164,7 @@ struct TargetHooks {
 
 Target::Target(const TargetConfig& config)
     : m_cpu(CpuModel::fromName(config.cpu)), m_clockHz(config.clockHz),
-      m_engine(std::make_unique<Engine>(m_cpu.engineModel())), m_batch(batchCapacity)
+      m_engine(std::make_unique<Engine>(m_cpu.engineModel()))
 {
     if (m_clockHz == 0) {
         throw TargetError(TargetError::Kind::InvalidArgument, "the clock must be above 0 Hz");
@@ -275,6 +283,7 @@ void Target::addObserver(ExecutionObserver* observer, bool watchWrites)
         if (std::find(list.begin(), list.end(), observer) == list.end()) {
             list.push_back(observer);
         }
+        m_isBatching = !m_batchObservers.empty();
         if (watchWrites && std::find(m_writeObservers.begin(), m_writeObservers.end(), observer) == m_writeObservers.end()) {
             m_writeObservers.push_back(observer);
             updateWriteHook();
@@ -288,6 +297,7 @@ void Target::removeObserver(ExecutionObserver* observer)
         m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), observer), m_observers.end());
         m_batchObservers.erase(std::remove(m_batchObservers.begin(), m_batchObservers.end(), observer),
                                m_batchObservers.end());
+        m_isBatching = !m_batchObservers.empty();
         m_writeObservers.erase(std::remove(m_writeObservers.begin(), m_writeObservers.end(), observer),
                                m_writeObservers.end());
         updateWriteHook();
@@ -605,6 +615,7 @@ std::optional<StopInfo> Target::runSlice(uint64_t slice)
     }
     m_hookStop = HookStop{};
     uint64_t before = m_cycles.load();
+    m_batchCycle = before + 1; // the batch is empty
     uint32_t from = pc;
     std::optional<StopInfo> stop;
     {
@@ -622,8 +633,8 @@ std::optional<StopInfo> Target::runSlice(uint64_t slice)
         }
         flushObserved(pc); // still as the engine's thread: observers may read registers
         // The batch holds what the count holds: not an instruction stopped before, nor a bkpt.
-        const uint64_t cycles = m_cycles.load();
-        flushBatch(m_batchSize == 0 || cycles < m_batchCycle ? 0 : std::min<uint64_t>(m_batchSize, cycles - m_batchCycle + 1));
+        const uint64_t ran = m_cycles.load() + 1 - m_batchCycle;
+        flushBatch(static_cast<size_t>(std::min<uint64_t>(m_batchSize, ran)));
     }
     if (!stop && m_cycles.load() == before && pc == from) {
         StopInfo info;

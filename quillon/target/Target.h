@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -200,8 +201,9 @@ private:
     std::vector<ExecutionObserver*> m_writeObservers;
     std::optional<size_t> m_writeHook;
     std::vector<ExecutionObserver*> m_batchObservers; ///< those that take batches; not in m_observers
+    bool m_isBatching = false; ///< there are batch observers
     /// Instructions counted since the last batch went out; the last may still be stopped before.
-    std::vector<ExecutionObserver::Executed> m_batch;
+    std::array<ExecutionObserver::Executed, 512> m_batch{};
     size_t m_batchSize = 0;
     uint64_t m_batchCycle = 0; ///< of the batch's first instruction
     /// The latest instruction, reported to the observers once it is known to have run.

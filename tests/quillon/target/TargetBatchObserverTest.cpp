@@ -82,8 +82,8 @@ TEST_F(TargetBatchObserver, ALongLoopComesInFullBatchesAndEndsWithItsRun)
     ASSERT_EQ(call("count_ticks", {2000}).reason, StopReason::Returned);
     expectTheSameInstructions();
     EXPECT_EQ(batches.runs, 1);
-    EXPECT_GT(batches.ran.size(), 4096u * 2);
-    EXPECT_EQ(batches.largest, 4096u) << "a batch goes out when it is full";
+    EXPECT_GT(batches.ran.size(), 512u * 4);
+    EXPECT_EQ(batches.largest, 512u) << "a batch goes out when it is full";
 }
 
 TEST_F(TargetBatchObserver, StopsBeforeAnInstructionLeaveItOutUntilItRuns)
