@@ -1,6 +1,6 @@
 // Coverage recorded from batches of instructions: stops inside a block of straight-line code, and loops that enter
-// a block many times, count as the instructions that ran one by one do. Addresses of classify from the analyzer firmware's disassembly
-// (see CoverageServiceTest): c0 push, c2 mov, c4 cbz | c6 cmp, c8 blt | ca movs, cc bl note (4) | d0 movs, d2 pop,
+// a block many times, count as the instructions that ran one by one do. Addresses of classify from the analyzer
+// firmware's disassembly (see CoverageServiceTest): c0 push, c2 mov, c4 cbz | c6 cmp, c8 blt | ca movs, cc bl note (4) | d0 movs, d2 pop,
 // where "|" ends a block (a branch ends one); count_nonzero's loop body has the block 100 ldr.w, 104 cmp, 106 beq.
 #include "AnalyzerFixture.h"
 
@@ -99,22 +99,6 @@ TEST_F(CoverageBlockTest, ABreakpointInsideABlockLeavesTheRestOfItUncountedUntil
         EXPECT_EQ(of("classify"), (CoverageCounts{44, 20, 2, 2, 0, 2, 0})) << "as a call without the stop";
         target->removeBreakpoint(at);
     }
-    target->setReturnAddress(std::nullopt);
-}
-
-TEST_F(CoverageBlockTest, TheInstructionLimitInsideABlockCountsOnlyTheInstructionsBeforeIt)
-{
-    documents->start(kDocument);
-    target->setReturnAddress(kReturn);
-    target->writeRegister(target::Register::R0, 4);
-    target->writeRegister(target::Register::LR, kReturn | 1u);
-    target->writeRegister(target::Register::PC, function("classify").address);
-    target::RunOptions options;
-    options.instructionLimit = 2; // push and mov; cbz is stopped before
-    const target::StopInfo stop = target->runToStop(options);
-    ASSERT_EQ(stop.reason, target::StopReason::InstructionLimit) << stop.message;
-    EXPECT_TRUE(documents->stop(kDocument));
-    EXPECT_EQ(of("classify"), (CoverageCounts{44, 4, 2, 0, 0, 0, 0}));
     target->setReturnAddress(std::nullopt);
 }
 

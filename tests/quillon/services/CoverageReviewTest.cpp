@@ -173,23 +173,5 @@ TEST_F(CoverageReviewTest, SourcesComeFromTheLocatorAndAMissingOneShowsTheAddres
               std::string::npos) << missing;
 }
 
-TEST_F(CoverageReviewTest, ALineOfCodeRunWithoutDecisionCoverageHasBranchesExecutedOnly)
-{
-    documents->open(kDocument, false, Document::Kind::Coverage, true);
-    coverage->configure(kDocument, CoverageService::Option1Item, "", CoverageConfiguration::kMeasureCode);
-    coverage->configure(kDocument, CoverageService::CreateRangesetItem, "only", 0);
-    coverage->configure(kDocument, CoverageService::ScopeItem, "", 3);
-    coverage->configure(kDocument, CoverageService::RangesetScopeItem, "", 3);
-    coverage->configure(kDocument, CoverageService::IncludeFirstItem + 2, "classify", 0);
-    documents->start(kDocument);
-    call("classify", {"4"});
-    documents->stop(kDocument);
-    documents->exportTo(kDocument, "review.txt", kReviewText);
-    const std::string text = fileText("review.txt");
-    EXPECT_NE(text.find("  +    28      if (value == 0) {\n           branch 0x000000c4: executed\n"), std::string::npos)
-        << text;
-    EXPECT_NE(text.find("branches 2 of 2 executed (100.0%): 0 taken, 0 not taken, 0 both"), std::string::npos);
-}
-
 } // namespace
 } // namespace quillon::services
