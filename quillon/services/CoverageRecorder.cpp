@@ -14,7 +14,17 @@ void CoverageRecorder::onInstructions(const Executed* instructions, std::size_t 
     if (!m_recording.load(std::memory_order_relaxed)) {
         return;
     }
+    constexpr auto known = CoverageMarks::Executed | CoverageMarks::Decoded;
+    constexpr auto settled = known | CoverageMarks::Taken | CoverageMarks::NotTaken;
     for (std::size_t i = 0; i < count; ++i) {
+        // Most instructions ran before with nothing left to tell, and no branch waits for them.
+        const std::uint32_t offset = instructions[i].address - m_areaStart;
+        if (m_pendingBranch == nullptr && offset < m_areaSize) {
+            const std::uint8_t bits = m_areaBytes[offset];
+            if ((bits & (known | CoverageMarks::BranchStart)) == known || (bits & settled) == settled) {
+                continue;
+            }
+        }
         instruction(instructions[i].address, instructions[i].size);
     }
 }
