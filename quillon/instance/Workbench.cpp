@@ -68,6 +68,7 @@ Workbench::Workbench(Workspace workspace, std::unique_ptr<target::Target> target
         *m_target, [this] { return m_options.integer(services::OptionTree::kMaxInstructions); },
         [this] { return firstDebugInfo(); });
     m_documents = std::make_unique<services::DocumentService>(*m_target, m_debug.symbols(), documentSettings(m_workspace));
+    m_documents->setSourceLocator([this](const std::string& file) { return m_debug.locateSource(file); });
     m_coverage = std::make_unique<services::CoverageService>(*m_documents);
     m_hil = std::make_unique<services::HilService>(*m_target, hilChannels(m_workspace));
     m_hil->writeInitialValues();

@@ -5,6 +5,7 @@
 
 #include "services/AnalyzerError.h"
 #include "services/CoverageReport.h"
+#include "services/CoverageReview.h"
 #include "services/DocumentFileReader.h"
 
 namespace quillon::services {
@@ -42,9 +43,9 @@ const std::vector<std::string>& CoverageDocument::formats()
 }
 
 CoverageDocument::CoverageDocument(std::string name, target::Target& target, const SymbolIndex& symbols,
-                                   std::filesystem::path folder)
+                                   std::filesystem::path folder, CoverageListing::Locator locateSource)
     : Document(std::move(name), Kind::Coverage, target), m_symbols(symbols), m_folder(std::move(folder)),
-      m_marks(executableMemory(target)), m_recorder(m_marks, target)
+      m_locateSource(std::move(locateSource)), m_marks(executableMemory(target)), m_recorder(m_marks, target)
 {
 }
 
@@ -187,14 +188,32 @@ void CoverageDocument::exportTo(const std::filesystem::path& file, std::uint32_t
         }
         format = formats()[option];
     }
-    if (format != "HTML" && format != "Text" && format != "CSV" && format != "XML") {
-        throw AnalyzerError(AnalyzerError::Kind::NotImplemented,
-                            "the export format '" + format + "' of " + title() + " is not implemented");
-    }
     checkReadable("export");
-    const SpanSet active = activeRanges();
+    std::ofstream out(file, std::ios::binary | std::ios::trunc);
+    writeExport(out, format);
+    out.close();
+    if (!out) {
+        throw AnalyzerError(AnalyzerError::Kind::Failed,
+                            "cannot write the export of " + title() + " to '" + file.string() + "'");
+    }
+}
+
+void CoverageDocument::writeExport(std::ostream& out, const std::string& format)
+{
+    const std::vector<CoverageScope::Function> functions = scope().functionsIn(activeRanges());
+    const std::string document = name().empty() ? title() : name();
+    if (format == "Review (HTML)" || format == "Review (Text)" || format == "XML2") {
+        CoverageListing listing(m_marks, m_symbols, m_locateSource);
+        for (const CoverageScope::Function& function : functions) {
+            listing.add(function);
+        }
+        const CoverageReview review(document, listing);
+        format == "XML2" ? review.writeXml2(out) : format == "Review (HTML)" ? review.writeHtml(out)
+                                                                              : review.writeText(out);
+        return;
+    }
     std::vector<CoverageReport::Row> rows;
-    for (const CoverageScope::Function& function : scope().functionsIn(active)) {
+    for (const CoverageScope::Function& function : functions) {
         CoverageReport::Row row;
         row.function = function.name;
         row.first = static_cast<std::uint32_t>(function.code.spans().front().begin);
@@ -202,8 +221,7 @@ void CoverageDocument::exportTo(const std::filesystem::path& file, std::uint32_t
         row.counts = count(function.code);
         rows.push_back(std::move(row));
     }
-    const CoverageReport report(name().empty() ? title() : name(), std::move(rows));
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
+    const CoverageReport report(document, std::move(rows));
     if (format == "HTML") {
         report.writeHtml(out);
     } else if (format == "Text") {
@@ -212,11 +230,6 @@ void CoverageDocument::exportTo(const std::filesystem::path& file, std::uint32_t
         report.writeCsv(out);
     } else {
         report.writeXml(out);
-    }
-    out.close();
-    if (!out) {
-        throw AnalyzerError(AnalyzerError::Kind::Failed,
-                            "cannot write the export of " + title() + " to '" + file.string() + "'");
     }
 }
 

@@ -8,6 +8,7 @@
 #include "services/CodeMap.h"
 #include "services/CoverageConfiguration.h"
 #include "services/CoverageCounts.h"
+#include "services/CoverageListing.h"
 #include "services/CoverageMarks.h"
 #include "services/CoverageRecorder.h"
 #include "services/CoverageScope.h"
@@ -26,7 +27,8 @@ namespace quillon::services {
 /// branch; 0 outside the active ranges.
 ///
 /// Export formats by number: 0 "HTML", 1 "Text", 2 "CSV", 3 "XML" (see CoverageReport); 4 "Review (HTML)",
-/// 5 "Review (Text)" and 6 "XML2" are known but not made here (NotImplemented). The default format is "CSV".
+/// 5 "Review (Text)" and 6 "XML2", the measured functions line by line (see CoverageReview), with the source files
+/// found by the locator. The default format is "CSV".
 ///
 /// Saved form, after the header (DocumentFileReader):
 ///
@@ -45,7 +47,7 @@ public:
     static const std::vector<std::string>& formats();
 
     CoverageDocument(std::string name, target::Target& target, const SymbolIndex& symbols,
-                     std::filesystem::path folder);
+                     std::filesystem::path folder, CoverageListing::Locator locateSource = {});
 
     const CoverageConfiguration& configuration() const { return m_configuration; }
     /// For changes; the document counts as modified.
@@ -77,9 +79,12 @@ private:
     CoverageScope scope() const;
     CoverageCounts count(const SpanSet& spans);
     static SpanSet executableMemory(const target::Target& target);
+    /// Writes a format of CoverageReport or CoverageReview.
+    void writeExport(std::ostream& out, const std::string& format);
 
     const SymbolIndex& m_symbols;
     std::filesystem::path m_folder;
+    CoverageListing::Locator m_locateSource;
     CoverageConfiguration m_configuration;
     CoverageMarks m_marks;
     CoverageRecorder m_recorder;

@@ -9,11 +9,35 @@ CoverageRecorder::CoverageRecorder(CoverageMarks& marks, const target::Target& t
 {
 }
 
-void CoverageRecorder::onInstruction(std::uint32_t address, std::uint32_t size, std::uint64_t)
+void CoverageRecorder::onInstructions(const Executed* instructions, std::size_t count, std::uint64_t)
 {
     if (!m_recording.load(std::memory_order_relaxed)) {
         return;
     }
+    constexpr auto known = CoverageMarks::Executed | CoverageMarks::Decoded;
+    constexpr auto settled = known | CoverageMarks::Taken | CoverageMarks::NotTaken;
+    for (std::size_t i = 0; i < count; ++i) {
+        // Most instructions ran before with nothing left to tell, and no branch waits for them.
+        const std::uint32_t offset = instructions[i].address - m_areaStart;
+        if (m_pendingBranch == nullptr && offset < m_areaSize) {
+            const std::uint8_t bits = m_areaBytes[offset];
+            if ((bits & (known | CoverageMarks::BranchStart)) == known || (bits & settled) == settled) {
+                continue;
+            }
+        }
+        instruction(instructions[i].address, instructions[i].size);
+    }
+}
+
+void CoverageRecorder::onInstruction(std::uint32_t address, std::uint32_t size, std::uint64_t)
+{
+    if (m_recording.load(std::memory_order_relaxed)) {
+        instruction(address, size);
+    }
+}
+
+void CoverageRecorder::instruction(std::uint32_t address, std::uint32_t size)
+{
     if (m_pendingBranch != nullptr) {
         *m_pendingBranch |= address == m_fallThrough ? CoverageMarks::NotTaken : CoverageMarks::Taken;
         m_pendingBranch = nullptr;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
@@ -15,6 +16,7 @@ namespace quillon::services {
 /// conditional branch where execution went next: on to the following instruction (not taken) or anywhere else
 /// (taken). The outcome of a branch is known at the next instruction, or at `finish` from the stopped target's
 /// pc. An instruction that the marks know nothing of is decoded from target memory when it first runs.
+/// Instructions come from the target in batches: a call for many of them rather than one each.
 ///
 /// Callbacks come on the engine's thread; `setRecording` may come from any thread. The rest only while the target
 /// is stopped.
@@ -28,9 +30,14 @@ public:
     /// Settles a branch that was the last instruction, by the pc the target stopped at.
     void finish(std::optional<std::uint32_t> pc);
 
+    bool takesBatches() const override { return true; }
+    void onInstructions(const Executed* instructions, std::size_t count, std::uint64_t cycle) override;
+    /// One instruction, for a caller that has them one at a time.
     void onInstruction(std::uint32_t address, std::uint32_t size, std::uint64_t cycle) override;
 
 private:
+    /// One executed instruction, recording on.
+    void instruction(std::uint32_t address, std::uint32_t size);
     /// What the fast path of onInstruction leaves: the first run of an instruction, or a branch to follow.
     void record(std::uint32_t address, std::uint32_t size, std::uint8_t* mark);
     /// The marks of an address outside the cached area; caches the area that holds it.

@@ -115,6 +115,9 @@ public:
     std::optional<std::string> symbolAt(std::uint32_t symbolKinds, std::uint8_t area, std::uint32_t address) const;
     std::optional<std::string> functionAt(std::uint32_t address) const;
     std::optional<debuginfo::LineTable::SourceLine> sourceLineAt(std::uint32_t address) const;
+    /// A source file as the debugger finds it: the file itself if it exists, else the first source path's file of
+    /// that name; else the file. Any thread.
+    std::string locateSource(const std::string& file) const;
     std::vector<std::uint32_t> addressesOfLine(const std::string& file, unsigned line) const;
     std::vector<std::string> sourceFiles() const;
 
@@ -128,8 +131,6 @@ private:
     ExpressionEngine& expressions(const std::string& operation);
     void load(const std::vector<std::string>& files, std::uint32_t codeOffset);
     void stopAtMain();
-    /// The file itself if it exists, else the first source path's file of that name; else the file.
-    std::string locateSource(const std::string& file) const;
 
     target::Target& m_target;
     mutable std::mutex m_mutex; ///< serializes all but stop, status and waits

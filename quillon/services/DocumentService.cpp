@@ -119,7 +119,8 @@ TraceDocument& DocumentService::trace(const std::string& name)
 std::unique_ptr<Document> DocumentService::make(const std::string& name, Document::Kind kind)
 {
     if (kind == Document::Kind::Coverage) {
-        return std::make_unique<CoverageDocument>(name, m_target, m_symbols, m_settings.folder);
+        return std::make_unique<CoverageDocument>(name, m_target, m_symbols, m_settings.folder,
+                                                  m_locateSource);
     }
     if (kind == Document::Kind::Terminal) {
         throw error(AnalyzerError::Kind::InvalidArgument, "the terminal is not opened by a file name");

@@ -50,6 +50,10 @@ public:
     DocumentService(const DocumentService&) = delete;
     DocumentService& operator=(const DocumentService&) = delete;
 
+    /// Where the review exports of coverage documents opened from now on find a source file of the line table;
+    /// without one, where the line table says.
+    void setSourceLocator(CoverageListing::Locator locate) { m_locateSource = std::move(locate); }
+
     void open(const std::string& name, bool mustExist, std::optional<Document::Kind> kind, bool renew);
     void close(const std::string& name, bool discard);
     /// Closes every document but the terminal; tells of the first that could not be closed.
@@ -127,6 +131,7 @@ private:
     target::Target& m_target;
     const SymbolIndex& m_symbols;
     Settings m_settings;
+    CoverageListing::Locator m_locateSource;
     mutable std::mutex m_mutex;
     std::map<std::string, std::unique_ptr<Document>> m_documents; ///< by keyOf(name)
     /// The closed document read last by readCoverage, with the time of its file then.

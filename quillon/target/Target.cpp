@@ -73,9 +73,28 @@ struct TargetHooks {
             return; // the instruction does not execute now
         }
         if (!t->m_observers.empty()) {
-            t->flushObserved(static_cast<uint32_t>(address));
-            t->m_observed = {static_cast<uint32_t>(address), size, n, true};
+            observe(t, static_cast<uint32_t>(address), size, n);
         }
+        if (t->m_isBatching) {
+            if (t->m_batchSize == t->m_batch.size()) {
+                batchFull(t, n);
+            }
+            t->m_batch[t->m_batchSize++] = {static_cast<uint32_t>(address), size};
+        }
+    }
+
+    // Out of line, so that the path of every instruction stays short.
+    [[gnu::noinline]] static void observe(Target* t, uint32_t address, uint32_t size, uint64_t cycle) noexcept
+    {
+        t->flushObserved(address);
+        t->m_observed = {address, size, cycle, true};
+    }
+
+    // A next instruction came: all of the batch ran.
+    [[gnu::noinline]] static void batchFull(Target* t, uint64_t cycle) noexcept
+    {
+        t->flushBatch(t->m_batchSize);
+        t->m_batchCycle = cycle;
     }
 
     static void onWrite(uc_engine*, uc_mem_type, uint64_t address, int size, int64_t value, void* user) noexcept
@@ -260,9 +279,11 @@ void Target::addObserver(ExecutionObserver* observer, bool watchWrites)
         throw TargetError(TargetError::Kind::InvalidArgument, "no observer given");
     }
     withStoppedEngine([&] {
-        if (std::find(m_observers.begin(), m_observers.end(), observer) == m_observers.end()) {
-            m_observers.push_back(observer);
+        auto& list = observer->takesBatches() ? m_batchObservers : m_observers;
+        if (std::find(list.begin(), list.end(), observer) == list.end()) {
+            list.push_back(observer);
         }
+        m_isBatching = !m_batchObservers.empty();
         if (watchWrites && std::find(m_writeObservers.begin(), m_writeObservers.end(), observer) == m_writeObservers.end()) {
             m_writeObservers.push_back(observer);
             updateWriteHook();
@@ -274,6 +295,9 @@ void Target::removeObserver(ExecutionObserver* observer)
 {
     withStoppedEngine([&] {
         m_observers.erase(std::remove(m_observers.begin(), m_observers.end(), observer), m_observers.end());
+        m_batchObservers.erase(std::remove(m_batchObservers.begin(), m_batchObservers.end(), observer),
+                               m_batchObservers.end());
+        m_isBatching = !m_batchObservers.empty();
         m_writeObservers.erase(std::remove(m_writeObservers.begin(), m_writeObservers.end(), observer),
                                m_writeObservers.end());
         updateWriteHook();
@@ -283,11 +307,14 @@ void Target::removeObserver(ExecutionObserver* observer)
 // Engine locked, target stopped: the observers look at the registers that the run starts from.
 void Target::tellRunStart()
 {
-    if (m_observers.empty()) {
+    if (m_observers.empty() && m_batchObservers.empty()) {
         return;
     }
     EngineThreadMark mark(m_engineThread);
     for (ExecutionObserver* observer : m_observers) {
+        observer->onRunStart(m_cycles.load());
+    }
+    for (ExecutionObserver* observer : m_batchObservers) {
         observer->onRunStart(m_cycles.load());
     }
 }
@@ -305,6 +332,16 @@ void Target::flushObserved(std::optional<uint32_t> next)
         observer->onInstruction(m_observed.address, m_observed.size, m_observed.cycle);
     }
     m_nextAddress.reset();
+}
+
+void Target::flushBatch(size_t count)
+{
+    if (count > 0) {
+        for (ExecutionObserver* observer : m_batchObservers) {
+            observer->onInstructions(m_batch.data(), count, m_batchCycle);
+        }
+    }
+    m_batchSize = 0;
 }
 
 // The write hook costs on every store: it is there only while someone watches writes. Translated code has the
@@ -578,6 +615,7 @@ std::optional<StopInfo> Target::runSlice(uint64_t slice)
     }
     m_hookStop = HookStop{};
     uint64_t before = m_cycles.load();
+    m_batchCycle = before + 1; // the batch is empty
     uint32_t from = pc;
     std::optional<StopInfo> stop;
     {
@@ -594,6 +632,9 @@ std::optional<StopInfo> Target::runSlice(uint64_t slice)
             m_observed.pending = false;
         }
         flushObserved(pc); // still as the engine's thread: observers may read registers
+        // The batch holds what the count holds: not an instruction stopped before, nor a bkpt.
+        const uint64_t ran = m_cycles.load() + 1 - m_batchCycle;
+        flushBatch(static_cast<size_t>(std::min<uint64_t>(m_batchSize, ran)));
     }
     if (!stop && m_cycles.load() == before && pc == from) {
         StopInfo info;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -15,6 +16,7 @@
 
 #include "target/Breakpoint.h"
 #include "target/CpuModel.h"
+#include "target/ExecutionObserver.h"
 #include "target/MemoryMap.h"
 #include "target/RegisterTable.h"
 #include "target/RunOptions.h"
@@ -25,7 +27,6 @@
 namespace quillon::target {
 
 class Engine;
-class ExecutionObserver;
 struct TargetHooks;
 
 /// The simulated Cortex-M core: memory, registers, reset, breakpoints and run control on one Unicorn engine.
@@ -107,8 +108,9 @@ public:
     uint64_t cycles() const { return m_cycles.load(std::memory_order_relaxed); }
     double simulatedSeconds() const;
 
-    /// Adds an observer of executed instructions and, with `watchWrites`, of memory writes; not owned, it must stay
-    /// until removed. Only while the target is stopped; adding one twice changes nothing.
+    /// Adds an observer of executed instructions (one by one, or in batches if it takes them) and, with
+    /// `watchWrites`, of memory writes; not owned, it must stay until removed. Only while the target is stopped;
+    /// adding one twice changes nothing.
     void addObserver(ExecutionObserver* observer, bool watchWrites = false);
     void removeObserver(ExecutionObserver* observer);
 
@@ -167,6 +169,8 @@ private:
     void dropTranslationsOfCode(uint64_t begin, uint64_t end);
     void updateWriteHook();
     void flushObserved(std::optional<uint32_t> next);
+    /// Reports the first `count` instructions of the batch to its observers and empties it.
+    void flushBatch(size_t count);
     void tellRunStart();
 
     CpuModel m_cpu;
@@ -196,6 +200,12 @@ private:
     std::vector<ExecutionObserver*> m_observers;
     std::vector<ExecutionObserver*> m_writeObservers;
     std::optional<size_t> m_writeHook;
+    std::vector<ExecutionObserver*> m_batchObservers; ///< those that take batches; not in m_observers
+    bool m_isBatching = false; ///< there are batch observers
+    /// Instructions counted since the last batch went out; the last may still be stopped before.
+    std::array<ExecutionObserver::Executed, 512> m_batch{};
+    size_t m_batchSize = 0;
+    uint64_t m_batchCycle = 0; ///< of the batch's first instruction
     /// The latest instruction, reported to the observers once it is known to have run.
     struct Observed {
         uint32_t address = 0;

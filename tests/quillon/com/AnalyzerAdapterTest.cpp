@@ -128,8 +128,7 @@ TEST_F(AnalyzerAdapterTest, DocumentFlagWordsActOnTheDocumentsAndAnswerTheirCode
          "OrbelIDE::Document: analyzer document 't.trd' is open already, so it cannot be opened as a coverage "
          "document"},
         {0xA200000D, "c.trd", nullptr, 0, S_OK, nullptr},      // coverage, "w"
-        {0x60000000, "c.trd", "c.xml", 6, E_NOTIMPL,
-         "OrbelIDE::Document: the export format 'XML2' of coverage document 'c.trd' is not implemented"},
+        {0x60000000, "c.trd", "c.xml", 6, S_OK, nullptr},      // export as XML2
         {0x03, "t.trd", nullptr, 0, S_OK, nullptr},            // save
         {0x0B, "t.trd", nullptr, 0, S_OK, nullptr},            // close, discarding
         {0x10000000, "t.trd", nullptr, 0, ORBEL_E_ERROR, "OrbelIDE::Document: document 't.trd' is not open"},
@@ -146,6 +145,8 @@ TEST_F(AnalyzerAdapterTest, DocumentFlagWordsActOnTheDocumentsAndAnswerTheirCode
     }
     EXPECT_EQ(fileText("t.csv"), "index,cycle,time_ns,event,address,function,value\n") << "nothing was recorded";
     EXPECT_EQ(fileText("t.trd").rfind("quillon-document 1\nkind analyzer\n", 0), 0u);
+    EXPECT_EQ(fileText("c.xml").rfind("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<coverage2 document=\"c.trd\">\n", 0),
+              0u);
 }
 
 TEST_F(AnalyzerAdapterTest, TheTerminalIsSelectedByItsOwnBits)

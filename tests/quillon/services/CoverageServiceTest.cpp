@@ -331,9 +331,9 @@ TEST_F(CoverageServiceTest, TheCsvExportHasARowAFunctionOfTheMeasuredCodeAndATot
                        "bytes_executed=\"20\""),
               std::string::npos) << xml;
 
-    const AnalyzerError review = analyzerError([&] { documents->exportTo(kDocument, "cov.txt", 5); });
-    EXPECT_EQ(review.kind(), AnalyzerError::Kind::NotImplemented);
-    EXPECT_STREQ(review.what(), "the export format 'Review (Text)' of coverage document 'cov.trd' is not implemented");
+    const AnalyzerError number = analyzerError([&] { documents->exportTo(kDocument, "cov.txt", 7); });
+    EXPECT_EQ(number.kind(), AnalyzerError::Kind::InvalidArgument);
+    EXPECT_EQ(std::string(number.what()).rfind("unknown export format number 7 for coverage document 'cov.trd'", 0), 0u);
     const AnalyzerError unknown = analyzerError([&] { documents->setExportFormat(kDocument, "csv"); });
     EXPECT_EQ(unknown.kind(), AnalyzerError::Kind::InvalidArgument);
     EXPECT_EQ(std::string(unknown.what()).rfind("unknown export format 'csv' for coverage document 'cov.trd'", 0), 0u);
