@@ -13,6 +13,7 @@ public static class ManagedTestMain {
     IdeTests.Run();
     ObjectTests.Run();
     WorkspaceTests.Run();
+    BuildTests.Run();
     DocumentTests.Run();
     TestRunTests.Run();
     RunnerTests.Run();
