@@ -16,13 +16,12 @@
 #include "IOException.h"
 #include "IllegalArgumentException.h"
 #include "OrbelDebugFlags.h"
-#include "ScopedEnvironment.h"
+#include "LiveOrbelTest.h"
 
 using namespace kestrix;
 
 namespace {
 
-const std::string BUILD_DIR = ORBEL_BUILD_DIR;
 const std::string FIRMWARE_FOLDER = std::string(KESTRIX_SOURCE_DIR) + "/examples/firmware";
 
 /// The number of the first line of the example firmware's `file` that holds `text`.
@@ -39,24 +38,21 @@ unsigned lineOf(const std::string& file, const std::string& text)
     return 0;
 }
 
-class CDebugFacadeLiveTest : public ::testing::Test {
+class CDebugFacadeLiveTest : public LiveOrbelTest {
 protected:
     void SetUp() override
     {
-        if (!std::filesystem::exists(BUILD_DIR + "/liborbel.so")) {
-            GTEST_SKIP() << "liborbel.so is not built in " << BUILD_DIR;
+        LiveOrbelTest::SetUp();
+        if (IsSkipped()) {
+            return;
         }
         if (!std::filesystem::exists(FIRMWARE_FOLDER + "/build/firmware.elf")) {
             GTEST_SKIP() << "the example firmware is not built";
         }
-        env.set("ORBEL_PATH", BUILD_DIR + "/");
-        env.unset("ORBEL_SHAREDMEM_PID");
-        env.unset("ORBEL_TCP_PORT");
         mgr = std::make_shared<ConnectionMgr>();
         mgr->connectMRU(FIRMWARE_FOLDER + "/workspace.yaml");
     }
 
-    ScopedEnvironment env;
     std::shared_ptr<ConnectionMgr> mgr;
 };
 

@@ -14,13 +14,11 @@
 #include "CTestSpecification.h"
 #include "ConnectionMgr.h"
 #include "Exceptions.h"
-#include "ScopedEnvironment.h"
+#include "LiveOrbelTest.h"
 
 using namespace kestrix;
 
 namespace {
-
-const std::string BUILD_DIR = ORBEL_BUILD_DIR;
 
 const char* const WORKSPACE = "target:\n"
                               "  memory:\n"
@@ -29,25 +27,21 @@ const char* const WORKSPACE = "target:\n"
                               "options:\n"
                               "  /IDE/Debug/StopAtMain: 1\n";
 
-class CIDEControllerLiveTest : public ::testing::Test {
+class CIDEControllerLiveTest : public LiveOrbelTest {
 protected:
     void SetUp() override
     {
-        if (!std::filesystem::exists(BUILD_DIR + "/liborbel.so")) {
-            GTEST_SKIP() << "liborbel.so is not built in " << BUILD_DIR << ": no simulated Quillon to connect to";
+        LiveOrbelTest::SetUp();
+        if (IsSkipped()) {
+            return;
         }
-        env.set("ORBEL_PATH", BUILD_DIR + "/");
-        env.unset("ORBEL_SHAREDMEM_PID");
-        env.unset("ORBEL_TCP_PORT");
-        folder = ::testing::TempDir() + "kx_ide_live_" + ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        std::filesystem::create_directories(folder);
+        folder = testFolder("kx_ide_live_");
         workspace = folder + "/ws.yaml";
         std::ofstream(workspace, std::ios::binary) << WORKSPACE;
         mgr = std::make_shared<ConnectionMgr>();
         mgr->connectMRU(workspace);
     }
 
-    ScopedEnvironment env;
     std::string folder;
     std::string workspace;
     std::shared_ptr<ConnectionMgr> mgr;

@@ -11,13 +11,11 @@
 #include "CProjectController.h"
 #include "ConnectionMgr.h"
 #include "Exceptions.h"
-#include "ScopedEnvironment.h"
+#include "LiveOrbelTest.h"
 
 using namespace kestrix;
 
 namespace {
-
-const std::string BUILD_DIR = ORBEL_BUILD_DIR;
 
 const char* const WORKSPACE = "target:\n"
                               "  memory:\n"
@@ -29,19 +27,15 @@ const char* const WORKSPACE = "target:\n"
                               "  linkFlags: [-nostdlib, -nostartfiles]\n"
                               "  output: out/fw.elf\n";
 
-class CProjectControllerLiveTest : public ::testing::Test {
+class CProjectControllerLiveTest : public LiveOrbelTest {
 protected:
     void SetUp() override
     {
-        if (!std::filesystem::exists(BUILD_DIR + "/liborbel.so")) {
-            GTEST_SKIP() << "liborbel.so is not built in " << BUILD_DIR << ": no simulated Quillon to connect to";
+        LiveOrbelTest::SetUp();
+        if (IsSkipped()) {
+            return;
         }
-        env.set("ORBEL_PATH", BUILD_DIR + "/");
-        env.unset("ORBEL_SHAREDMEM_PID");
-        env.unset("ORBEL_TCP_PORT");
-        folder = ::testing::TempDir() + "kx_project_live";
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directories(folder);
+        folder = testFolder("kx_project_live_");
         std::ofstream(folder + "/ws.yaml", std::ios::binary) << WORKSPACE;
         std::ofstream(folder + "/main.c", std::ios::binary) << "#ifndef LEVEL\n#error no level\n#else\n"
                                                                "int main(void) { return LEVEL; }\n#endif\n";
@@ -49,7 +43,6 @@ protected:
         mgr->connectMRU(folder + "/ws.yaml");
     }
 
-    ScopedEnvironment env;
     std::string folder;
     std::shared_ptr<ConnectionMgr> mgr;
 };

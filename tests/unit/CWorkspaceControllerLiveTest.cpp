@@ -12,32 +12,26 @@
 #include "CWorkspaceController.h"
 #include "ConnectionMgr.h"
 #include "Exceptions.h"
-#include "ScopedEnvironment.h"
+#include "LiveOrbelTest.h"
 
 using namespace kestrix;
 
 namespace {
-
-const std::string BUILD_DIR = ORBEL_BUILD_DIR;
 
 const char* const WORKSPACE = "target:\n"
                               "  memory:\n"
                               "    - {name: flash, start: 0, size: 0x40000, access: rx}\n"
                               "    - {name: sram, start: 0x20000000, size: 0x10000}\n";
 
-class CWorkspaceControllerLiveTest : public ::testing::Test {
+class CWorkspaceControllerLiveTest : public LiveOrbelTest {
 protected:
     void SetUp() override
     {
-        if (!std::filesystem::exists(BUILD_DIR + "/liborbel.so")) {
-            GTEST_SKIP() << "liborbel.so is not built in " << BUILD_DIR << ": no simulated Quillon to connect to";
+        LiveOrbelTest::SetUp();
+        if (IsSkipped()) {
+            return;
         }
-        env.set("ORBEL_PATH", BUILD_DIR + "/");
-        env.unset("ORBEL_SHAREDMEM_PID");
-        env.unset("ORBEL_TCP_PORT");
-        folder = ::testing::TempDir() + "kx_ws_live_" + ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directories(folder);
+        folder = testFolder("kx_ws_live_");
         workspace = write("ws.yaml", WORKSPACE);
         mgr = std::make_shared<ConnectionMgr>();
         mgr->connectMRU(workspace);
@@ -50,7 +44,6 @@ protected:
         return path;
     }
 
-    ScopedEnvironment env;
     std::string folder;
     std::string workspace;
     std::shared_ptr<ConnectionMgr> mgr;

@@ -13,14 +13,12 @@
 #include "COrbelClient.h"
 #include "ConnectionMgr.h"
 #include "IOException.h"
-#include "ScopedEnvironment.h"
+#include "LiveOrbelTest.h"
 #include "WrapperBase.h"
 
 using namespace kestrix;
 
 namespace {
-
-const std::string BUILD_DIR = ORBEL_BUILD_DIR;
 
 const char* const WORKSPACE = "target:\n"
                               "  cpu: cortex-m3\n"
@@ -34,16 +32,14 @@ const char* const WORKSPACE = "target:\n"
                               "      size: 0x10000\n"
                               "      access: rwx\n";
 
-class ConnectionMgrLiveTest : public ::testing::Test {
+class ConnectionMgrLiveTest : public LiveOrbelTest {
 protected:
     void SetUp() override
     {
-        if (!std::filesystem::exists(BUILD_DIR + "/liborbel.so")) {
-            GTEST_SKIP() << "liborbel.so is not built in " << BUILD_DIR << ": no simulated Quillon to connect to";
+        LiveOrbelTest::SetUp();
+        if (IsSkipped()) {
+            return;
         }
-        env.set("ORBEL_PATH", BUILD_DIR + "/");
-        env.unset("ORBEL_SHAREDMEM_PID");
-        env.unset("ORBEL_TCP_PORT");
     }
 
     /// A workspace file with `text` in a folder of the test.
@@ -73,7 +69,6 @@ protected:
         return std::filesystem::equivalent(a, b, error);
     }
 
-    ScopedEnvironment env;
 };
 
 } // namespace
