@@ -69,7 +69,8 @@ protected:
 
     HRESULT read(DWORD word, const char* scope, const char* option, std::string& value, DWORD size = 4100)
     {
-        std::vector<char> buffer(size + 1, 'x');
+        std::vector<char> buffer(size + 1, 'x'); // unterminated within `size`: a read must terminate it
+        buffer[size] = '\0';
         const HRESULT result = project->BuildOption(word, scope, option, buffer.data(), size);
         value = buffer.data();
         return result;
