@@ -2,20 +2,16 @@
 // a block many times, count as the instructions that ran one by one do. Addresses of classify from the analyzer
 // firmware's disassembly (see CoverageServiceTest): c0 push, c2 mov, c4 cbz | c6 cmp, c8 blt | ca movs, cc bl note (4) | d0 movs, d2 pop,
 // where "|" ends a block (a branch ends one); count_nonzero's loop body has the block 100 ldr.w, 104 cmp, 106 beq.
-#include "AnalyzerFixture.h"
+#include "CoverageFixture.h"
 
-#include "services/CoverageCounts.h"
 #include "services/CoverageMarks.h"
 #include "services/CoverageRecorder.h"
 #include "target/ExecutionObserver.h"
 
 namespace quillon::services {
 
-std::ostream& operator<<(std::ostream& out, const CoverageCounts& c);
-
 namespace {
 
-const std::string kDocument = "blocks.trd";
 constexpr std::uint32_t kReturn = 0x0FFFFF00; // no code there: a call ends
 
 /// A recorder fed one instruction at a time, as coverage was recorded before blocks: the reference.
@@ -36,27 +32,8 @@ private:
     CoverageRecorder m_recorder;
 };
 
-class CoverageBlockTest : public AnalyzerFixture {
+class CoverageBlockTest : public CoverageFixture {
 protected:
-    void SetUp() override
-    {
-        AnalyzerFixture::SetUp();
-        runToMain();
-        documents->open(kDocument, false, Document::Kind::Coverage, true);
-    }
-
-    CoverageCounts of(const std::string& name)
-    {
-        const SymbolInfo info = function(name);
-        CoverageCounts counts;
-        std::uint32_t* fields[] = {&counts.bytes, &counts.bytesExecuted, &counts.branches, &counts.branchesExecuted,
-                                   &counts.taken, &counts.notTaken,      &counts.both};
-        for (std::uint32_t type = 1; type <= 7; ++type) {
-            *fields[type - 1] = coverage->statistic(kDocument, type, info.address, info.address + info.size - 1);
-        }
-        return counts;
-    }
-
     /// Starts a call of the function on the bare target, returning to kReturn; stops where the target stops.
     target::StopInfo callDirectly(const std::string& name, std::uint32_t argument)
     {
